@@ -1,0 +1,54 @@
+#pragma once
+
+#include <OS/Primitives/XY.h>
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace Tq {
+
+/// A rectangle in pixels. The right and the bottom edge lie outside the area.
+template <class T>
+struct Rectangle
+{
+    T left = 0;
+    T top = 0;
+    T right = 0;
+    T bottom = 0;
+
+    T width() const { return std::abs(right - left); }
+    T height() const { return std::abs(bottom - top); }
+    XY<T> topLeft() const { return XY<T>(left, top); }
+    XY<T> size() const { return XY<T>(width(), height()); }
+    bool hasArea() const { return width() != 0 && height() != 0; }
+    /// Whether left <= x < right and top <= y < bottom.
+    bool contains(const XY<T>& p) const { return left <= p.x && p.x < right && top <= p.y && p.y < bottom; }
+
+    /// What two rectangles share: all zero when they lie apart. Rectangles that only touch share a
+    /// strip of zero width or height, deliberately: it is not empty, but has no area.
+    Rectangle intersection(const Rectangle& other) const
+    {
+        if (left > other.right || top > other.bottom || right < other.left || bottom < other.top)
+            return {};
+        return {std::max(left, other.left), std::max(top, other.top), std::min(right, other.right),
+                std::min(bottom, other.bottom)};
+    }
+
+    /// The smallest rectangle that holds both corners of both.
+    Rectangle united(const Rectangle& other) const
+    {
+        return {std::min({left, right, other.left, other.right}),
+                std::min({top, bottom, other.top, other.bottom}),
+                std::max({left, right, other.left, other.right}),
+                std::max({top, bottom, other.top, other.bottom})};
+    }
+
+    Rectangle translated(T dx, T dy) const { return {left + dx, top + dy, right + dx, bottom + dy}; }
+
+    friend bool operator==(const Rectangle& a, const Rectangle& b)
+    {
+        return a.left == b.left && a.top == b.top && a.right == b.right && a.bottom == b.bottom;
+    }
+};
+
+} // namespace Tq

@@ -1,5 +1,5 @@
-// The process's operator new and delete, routed to the root's heap. Exported on purpose, without a symbol
-// version, so that the C++ library's own calls arrive here too.
+// The process's operator new and delete, routed to the root's heap. Exported on purpose, without a
+// symbol version, so that the C++ library's own calls arrive here too.
 
 #include <OS.h>
 #include <OS/Shared/iHeap.h>
@@ -35,8 +35,9 @@ void* allocateAligned(std::size_t size, std::align_val_t alignment)
 {
     return allocateOrThrow([=]() -> void* {
         void* block = nullptr;
-        return posix_memalign(&block, static_cast<std::size_t>(alignment), size ? size : 1) == 0 ? block
-                                                                                               : nullptr;
+        return posix_memalign(&block, static_cast<std::size_t>(alignment), size ? size : 1) == 0
+                   ? block
+                   : nullptr;
     });
 }
 

@@ -4,6 +4,13 @@
 
 #include "OS/Mac/Core/ThreadAtomics.h"
 #include "OS/Mac/Core/Utils.h"
+#include "OS/Mac/Devices/HardwareManager.h"
+#include "OS/Mac/Devices/MIDI.h"
+#include "OS/Mac/Files/FileManager.h"
+#include "OS/Mac/Files/MountManager.h"
+#include "OS/Mac/Files/ProcessManager.h"
+#include "OS/Mac/Files/Shell.h"
+#include "OS/Mac/System/SystemInfo.h"
 #include "OS/Shared/Heap.h"
 
 /// The root object: one of every manager, by value, in the order in which they are constructed.
@@ -17,20 +24,27 @@ public:
 
     iHeap* heap() override { return &heap_; }
     iUtils* utils() override { return &utils_; }
-    iFileManager* fileMgr() override { return nullptr; }
+    iFileManager* fileMgr() override { return &fileManager_; }
     iThreadManager* threadMgr() override { return nullptr; }
     iThreadAtomics* threadAtomics() override { return &threadAtomics_; }
-    iProcessManager* processMgr() override { return nullptr; }
+    iProcessManager* processMgr() override { return &processManager_; }
     iWindowManager* windowMgr() override { return nullptr; }
-    iSystemInfo* systemInfo() override { return nullptr; }
-    iHardwareManager* hardwareMgr() override { return nullptr; }
+    iSystemInfo* systemInfo() override { return &systemInfo_; }
+    iHardwareManager* hardwareMgr() override { return &hardwareManager_; }
     iMediaServices* mediaServices() override { return nullptr; }
-    iShell* shell() override { return nullptr; }
-    iMIDI* midi() override { return nullptr; }
-    iMountManager* mountMgr() override { return nullptr; }
+    iShell* shell() override { return &shell_; }
+    iMIDI* midi() override { return &midi_; }
+    iMountManager* mountMgr() override { return &mountManager_; }
 
 private:
+    FileManager fileManager_;
     Tq::OsHeap heap_;
     Utils utils_;
     ThreadAtomics threadAtomics_;
+    SystemInfo systemInfo_;
+    ProcessManager processManager_;
+    Shell shell_;
+    HardwareManager hardwareManager_;
+    MIDI midi_;
+    MountManager mountManager_;
 };

@@ -31,7 +31,8 @@ void Heap::deAlloc(void* block)
     std::free(block);
 }
 
-void* Heap::virtualAlloc(void* address, std::size_t length, eAllocationType type, eProtectFlags /*protect*/)
+void* Heap::virtualAlloc(void* address, std::size_t length, eAllocationType type,
+                         eProtectFlags /*protect*/)
 {
     constexpr int kPrivate = MAP_PRIVATE | MAP_ANONYMOUS;
     constexpr int kReadWrite = PROT_READ | PROT_WRITE;
@@ -60,8 +61,8 @@ void Heap::virtualDeAlloc(void* address, std::uint32_t length, eAllocationType t
     if (type == eMemRelease && munmap(address, length) == 0)
         return;
     if (type == eMemDecommit) {
-        // Twice, deliberately: the change of sharing makes the system drop the pages' contents, while the
-        // range stays reserved throughout.
+        // Twice, deliberately: the change of sharing makes the system drop the pages' contents,
+        // while the range stays reserved throughout.
         constexpr int kFixed = MAP_FIXED | MAP_ANONYMOUS;
         if (mmap(address, length, PROT_NONE, kFixed | MAP_SHARED, -1, 0) != address)
             OSInternal::reportAssertion("chunk1 == mem", "OS/Shared/Heap line 130");

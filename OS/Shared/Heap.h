@@ -8,8 +8,8 @@
 #include <atomic>
 #include <vector>
 
-/// The base of every heap: pages on the POSIX mapping calls, the registry of caches, and blocks straight
-/// from the C allocator. See iHeap for what each operation does.
+/// The base of every heap: pages on the POSIX mapping calls, the registry of caches, and blocks
+/// straight from the C allocator. See iHeap for what each operation does.
 class Heap : public iHeap
 {
 public:
@@ -27,7 +27,8 @@ public:
     void* alloc(std::size_t size) override;
     void* reAlloc(void* block, std::size_t size) override;
     void deAlloc(void* block) override;
-    void* virtualAlloc(void* address, std::size_t length, eAllocationType type, eProtectFlags protect) override;
+    void* virtualAlloc(void* address, std::size_t length, eAllocationType type,
+                       eProtectFlags protect) override;
     void virtualDeAlloc(void* address, std::uint32_t length, eAllocationType type) override;
     void registerReclaimable(iReclaimable* cache) override;
     void deRegisterReclaimable(iReclaimable* cache) override;

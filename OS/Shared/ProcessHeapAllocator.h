@@ -6,7 +6,8 @@
 
 namespace Tq {
 
-/// A standard allocator straight on the C allocator, for what must never come back into a heap of ours.
+/// A standard allocator straight on the C allocator, for what must never come back into a heap of
+/// ours.
 template <class T>
 struct ProcessHeapAllocator
 {
@@ -20,13 +21,18 @@ struct ProcessHeapAllocator
 
     T* allocate(std::size_t count)
     {
-        if (void* block = count <= static_cast<std::size_t>(-1) / sizeof(T) ? std::malloc(count * sizeof(T)) : nullptr)
+        if (void* block = count <= static_cast<std::size_t>(-1) / sizeof(T)
+                              ? std::malloc(count * sizeof(T))
+                              : nullptr)
             return static_cast<T*>(block);
         throw std::bad_alloc();
     }
     void deallocate(T* block, std::size_t) noexcept { std::free(block); }
 
-    friend bool operator==(const ProcessHeapAllocator&, const ProcessHeapAllocator&) { return true; }
+    friend bool operator==(const ProcessHeapAllocator&, const ProcessHeapAllocator&)
+    {
+        return true;
+    }
 };
 
 } // namespace Tq

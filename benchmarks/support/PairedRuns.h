@@ -8,8 +8,9 @@
 #include <string>
 #include <vector>
 
-/// Measures ours and its peers in one process, interleaved repetition by repetition, and prints one Markdown
-/// row for each ratio: the medians, the ratio's median with its spread, and whether the aim lies inside it.
+/// Measures ours and its peers in one process, interleaved repetition by repetition, and prints one
+/// Markdown row for each ratio: the medians, the ratio's median with its spread, and whether the
+/// aim lies inside it.
 namespace Bench {
 
 /// Keeps the compiler from optimising a value away.
@@ -32,7 +33,8 @@ double timed(double units, Code code)
 struct Contender
 {
     std::string name;
-    std::function<double()> run; ///< one repetition; returns its cost for each unit (ns unless named otherwise)
+    std::function<double()>
+        run; ///< one repetition; returns its cost for each unit (ns unless named otherwise)
 };
 
 /// `ours` against the best of `peers` in each repetition; aim 0 only reports.
@@ -51,8 +53,9 @@ inline double median(std::vector<double> values)
 
 inline void printHeader(const char* title, const char* unit = "ns")
 {
-    std::printf("\n### %s\n\n| what | ours, %s | peer, %s | ratio (spread) | aim | |\n|---|---|---|---|---|---|\n", title,
-                unit, unit);
+    std::printf("\n### %s\n\n| what | ours, %s | peer, %s | ratio (spread) | aim | "
+                "|\n|---|---|---|---|---|---|\n",
+                title, unit, unit);
 }
 
 /// @param contenders ours first @param repetitions at least 7; one more runs first to warm up
@@ -87,8 +90,8 @@ inline void compare(const std::string& what, const std::vector<Contender>& conte
             ratios.push_back(costs[0][r] / lowest);
         }
         const auto [low, high] = std::minmax_element(ratios.begin(), ratios.end());
-        std::printf("| %s vs %s | %.2f | %.2f | %.2f (%.2f-%.2f) | ", what.c_str(), names.c_str(), median(costs[0]),
-                    median(best), median(ratios), *low, *high);
+        std::printf("| %s vs %s | %.2f | %.2f | %.2f (%.2f-%.2f) | ", what.c_str(), names.c_str(),
+                    median(costs[0]), median(best), median(ratios), *low, *high);
         if (goal.aim > 0.0)
             std::printf("<= %.2f | %s |\n", goal.aim, *low <= goal.aim ? "pass" : "MISS");
         else

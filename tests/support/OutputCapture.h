@@ -2,11 +2,16 @@
 
 #include <string>
 
-/// Collects what the process writes to a standard stream, from construction to text(). One at a time.
+/// Collects what the process writes to a standard stream, from construction to text(). One at a
+/// time.
 class OutputCapture
 {
 public:
-    enum Stream { eStdout = 1, eStderr = 2 };
+    enum Stream
+    {
+        eStdout = 1,
+        eStderr = 2
+    };
 
     explicit OutputCapture(Stream stream = eStdout);
     ~OutputCapture();

@@ -2,8 +2,8 @@
 
 #include <OS/Core/Export.h>
 
-/// The forms in which this library reports a failure on standard output. Every line is written with one
-/// call, so lines of two threads never mix. Places are published constants of their class.
+/// The forms in which this library reports a failure on standard output. Every line is written with
+/// one call, so lines of two threads never mix. Places are published constants of their class.
 namespace OSInternal {
 
 /// Prints "assertion failed %s at %s\n" and carries on.

@@ -34,7 +34,8 @@ void appendUtf8(LightweightString<char>& out, wchar_t c)
     }
 }
 
-// Decodes one well-formed sequence (RFC 3629). @return its length in bytes, 0 when it is not well-formed
+// Decodes one well-formed sequence (RFC 3629). @return its length in bytes, 0 when it is not
+// well-formed
 std::size_t decodeUtf8(std::string_view text, wchar_t& c)
 {
     const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };

@@ -13,8 +13,8 @@ public:
     Stacktrace(const Stacktrace&) = delete;
     Stacktrace& operator=(const Stacktrace&) = delete;
 
-    /// Appends one line for each frame but the first two: the demangled name, or the whole line as the
-    /// system gives it. Appends nothing when there are fewer than three frames.
+    /// Appends one line for each frame but the first two: the demangled name, or the whole line as
+    /// the system gives it. Appends nothing when there are fewer than three frames.
     void getPrintableStrings(std::vector<LightweightString<char>>& lines) const;
 
     /// Captures and appends in one step.

@@ -5,7 +5,8 @@ namespace {
 template <class T>
 T compareExchange(volatile T* location, T exchange, T comparand)
 {
-    __atomic_compare_exchange_n(location, &comparand, exchange, false, __ATOMIC_SEQ_CST, __ATOMIC_SEQ_CST);
+    __atomic_compare_exchange_n(location, &comparand, exchange, false, __ATOMIC_SEQ_CST,
+                                __ATOMIC_SEQ_CST);
     return comparand; // left alone by success, the value found by failure
 }
 

@@ -134,13 +134,19 @@ public:
 
     // -- Searching: positions, or npos -----------------------------------------------------------
 
-    size_type find(View text, size_type from = 0) const noexcept { return pos(view().find(text, from)); }
+    size_type find(View text, size_type from = 0) const noexcept
+    {
+        return pos(view().find(text, from));
+    }
     size_type find(C c, size_type from = 0) const noexcept { return pos(view().find(c, from)); }
     size_type rfind(View text, size_type from = npos) const noexcept
     {
         return pos(view().rfind(text, wide(from)));
     }
-    size_type rfind(C c, size_type from = npos) const noexcept { return pos(view().rfind(c, wide(from))); }
+    size_type rfind(C c, size_type from = npos) const noexcept
+    {
+        return pos(view().rfind(c, wide(from)));
+    }
     size_type find_first_of(View set, size_type from = 0) const noexcept
     {
         return pos(view().find_first_of(set, from));
@@ -166,7 +172,8 @@ public:
     bool endsWith(View text) const noexcept { return view().ends_with(text); }
     bool endsWith(C c) const noexcept { return view().ends_with(c); }
 
-    // -- Comparing: below, at or above 0. Bytes compare unsigned, wide characters by value. ---------
+    // -- Comparing: below, at or above 0. Bytes compare unsigned, wide characters by value.
+    // ---------
 
     int compare(View other) const noexcept { return compareChars(view(), other); }
     /// With case folded: A to Z in `char` strings, Unicode's simple folding in `wchar_t` strings.
@@ -195,7 +202,10 @@ public:
     {
         return equal(a.view(), view(b));
     }
-    friend bool operator==(const LightweightString& a, View b) noexcept { return equal(a.view(), b); }
+    friend bool operator==(const LightweightString& a, View b) noexcept
+    {
+        return equal(a.view(), b);
+    }
     friend bool operator<(const LightweightString& a, const LightweightString& b) noexcept
     {
         return a.compare(b.view()) < 0;
@@ -213,11 +223,15 @@ public:
         return !(a < b);
     }
 
-    // -- Writing -----------------------------------------------------------------------------------
+    // -- Writing
+    // -----------------------------------------------------------------------------------
 
     /// A null pointer counts as empty.
     LightweightString& assign(const C* text) { return assign(view(text)); }
-    LightweightString& assign(const C* text, size_type length) { return assign(View(text, length)); }
+    LightweightString& assign(const C* text, size_type length)
+    {
+        return assign(View(text, length));
+    }
     LightweightString& assign(View text)
     {
         if (holds(text.data()))
@@ -231,7 +245,10 @@ public:
     LightweightString& operator=(View text) { return assign(text); }
 
     LightweightString& append(const C* text) { return append(view(text)); }
-    LightweightString& append(const C* text, size_type length) { return append(View(text, length)); }
+    LightweightString& append(const C* text, size_type length)
+    {
+        return append(View(text, length));
+    }
     LightweightString& append(size_type count, C c)
     {
         if (count > 0)
@@ -241,7 +258,8 @@ public:
     LightweightString& append(View text)
     {
         if (!text.empty()) {
-            const Record keep = holds(text.data()) ? impl_ : Record(); // text may lie in the old record
+            const Record keep =
+                holds(text.data()) ? impl_ : Record(); // text may lie in the old record
             copyChars(grow(text.size()), text.data(), text.size());
         }
         return *this;
@@ -344,16 +362,24 @@ public:
     void clear() noexcept { impl_.reset(); }
     void swap(LightweightString& other) noexcept { impl_.swap(other.impl_); }
 
-    // -- Making others -------------------------------------------------------------------------------
+    // -- Making others
+    // -------------------------------------------------------------------------------
 
-    LightweightString toLower() const { return mapped([](C c) { return Tq::detail::foldCase(c); }); }
-    LightweightString toUpper() const { return mapped([](C c) { return Tq::detail::upperCase(c); }); }
+    LightweightString toLower() const
+    {
+        return mapped([](C c) { return Tq::detail::foldCase(c); });
+    }
+    LightweightString toUpper() const
+    {
+        return mapped([](C c) { return Tq::detail::upperCase(c); });
+    }
     /// Without the blanks, tabs and line ends at both ends.
     LightweightString trimmed() const
     {
         static constexpr C kBlanks[] = {' ', '\t', '\n', '\r', '\f', '\v', 0};
         const size_type first = find_first_not_of(kBlanks);
-        return first == npos ? LightweightString() : substr(first, find_last_not_of(kBlanks) + 1 - first);
+        return first == npos ? LightweightString()
+                             : substr(first, find_last_not_of(kBlanks) + 1 - first);
     }
 
     /// The parts of a range of strings in one, with a separator between each two.
@@ -374,7 +400,10 @@ public:
     {
         return b.empty() ? a : a.empty() ? b : concat(a.view(), b.view());
     }
-    friend LightweightString operator+(const LightweightString& a, View b) { return concat(a.view(), b); }
+    friend LightweightString operator+(const LightweightString& a, View b)
+    {
+        return concat(a.view(), b);
+    }
     friend LightweightString operator+(const LightweightString& a, const C* b)
     {
         return concat(a.view(), view(b));
@@ -394,7 +423,11 @@ public:
 
 private:
     using Record = Tq::Ptr<Impl, typename Impl::DtorTraits, Tq::InternalRefCountTraits>;
-    enum class Room { eExact, eGrowing };
+    enum class Room
+    {
+        eExact,
+        eGrowing
+    };
 
     static constexpr C kEmpty[1] = {};
 
@@ -460,7 +493,8 @@ private:
             return result;
         result.impl_ = makeRecord(total, Room::eExact);
         C* to = result.impl_->chars;
-        ((parts.empty() ? void() : copyChars(to, parts.data(), parts.size()), to += parts.size()), ...);
+        ((parts.empty() ? void() : copyChars(to, parts.data(), parts.size()), to += parts.size()),
+         ...);
         return result;
     }
 

@@ -149,7 +149,8 @@ public:
 
     Ptr(const Ptr& other) noexcept : count_(other.count_), object_(other.object_) { incRef(); }
     Ptr(Ptr&& other) noexcept
-        : count_(std::exchange(other.count_, nullptr)), object_(std::exchange(other.object_, nullptr))
+        : count_(std::exchange(other.count_, nullptr)),
+          object_(std::exchange(other.object_, nullptr))
     {
     }
 
@@ -161,7 +162,8 @@ public:
     }
     template <class U, class = std::enable_if_t<std::is_convertible_v<U*, T*>>>
     Ptr(Ptr<U, Dtor, Traits>&& other) noexcept
-        : count_(std::exchange(other.count_, nullptr)), object_(std::exchange(other.object_, nullptr))
+        : count_(std::exchange(other.count_, nullptr)),
+          object_(std::exchange(other.object_, nullptr))
     {
     }
 
@@ -211,10 +213,7 @@ public:
     }
 
     /// How many pointers share the object: 0 when empty. A hint as soon as other threads hold one.
-    int useCount() const noexcept
-    {
-        return count_ ? __atomic_load_n(count_, __ATOMIC_ACQUIRE) : 0;
-    }
+    int useCount() const noexcept { return count_ ? __atomic_load_n(count_, __ATOMIC_ACQUIRE) : 0; }
 
     friend bool operator==(const Ptr& a, const Ptr& b) noexcept { return a.object_ == b.object_; }
     friend bool operator==(const Ptr& a, std::nullptr_t) noexcept { return a.object_ == nullptr; }

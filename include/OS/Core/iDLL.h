@@ -13,8 +13,8 @@
 class OS_API iDLL : public iObject
 {
 public:
-    /// A piece of a resource file; both fields are 0 when nothing was found. The bytes belong to the
-    /// library object and live as long as it does.
+    /// A piece of a resource file; both fields are 0 when nothing was found. The bytes belong to
+    /// the library object and live as long as it does.
     struct Resource
     {
         const std::uint8_t* data = nullptr;
@@ -34,7 +34,8 @@ public:
     /// Reads a resource of the bundle's resource file `NAME.rsrc`.
     ///
     /// @param type four characters, the resource's type; more are ignored, fewer find nothing
-    /// @param name "#" and a decimal resource number from -32768 to 32767; any other form finds nothing
+    /// @param name "#" and a decimal resource number from -32768 to 32767; any other form finds
+    /// nothing
     /// @return the bytes, empty when anything fails. Nothing is printed.
     virtual Resource getResource(const LightweightString<wchar_t>& type,
                                  const LightweightString<wchar_t>& name) const = 0;

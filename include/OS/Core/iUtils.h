@@ -7,8 +7,8 @@
 #include <cstdint>
 #include <vector>
 
-/// Conversions, clocks and diagnostics, reached as OS()->utils(). Every operation may be called from
-/// any thread at any time.
+/// Conversions, clocks and diagnostics, reached as OS()->utils(). Every operation may be called
+/// from any thread at any time.
 class OS_API iUtils : public iObject
 {
 public:

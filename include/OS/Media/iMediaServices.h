@@ -29,18 +29,22 @@ public:
 
     /// Reads a picture; the reader is chosen by the file name's extension.
     ///
-    /// @return null when there is no such file. A file that cannot be read gives an image without pixels,
+    /// @return null when there is no such file. A file that cannot be read gives an image without
+    /// pixels,
     ///         after "QtImage::QtImage( %s ) failed\n".
     /// @throw Tq::Exception::RuntimeError when a JPEG stream is broken
     virtual Tq::Ptr<iHostImage> loadImage(const LightweightString<wchar_t>& path) = 0;
     /// Always null: pictures in resource files are not supported.
     virtual Tq::Ptr<iHostImage> loadImage(const iDLL::Resource& resource) = 0;
     /// Always null: thumbnails are the caller's to make.
-    virtual Tq::Ptr<iHostImage> loadThumbnail(const LightweightString<wchar_t>& path, unsigned int size) = 0;
+    virtual Tq::Ptr<iHostImage> loadThumbnail(const LightweightString<wchar_t>& path,
+                                              unsigned int size) = 0;
 
     /// Writes a picture in the format that the extension names.
-    /// @return false when the image has no pixels, the format is unknown or the file cannot be written
-    virtual bool saveImage(const Tq::Ptr<iHostImage>& image, const LightweightString<wchar_t>& path) = 0;
+    /// @return false when the image has no pixels, the format is unknown or the file cannot be
+    /// written
+    virtual bool saveImage(const Tq::Ptr<iHostImage>& image,
+                           const LightweightString<wchar_t>& path) = 0;
 
     /// A picture in main memory, 32 bits premultiplied, transparent black, scale 1.
     /// @return null when a side is below 1 or the picture would exceed 512 megapixels
@@ -49,6 +53,6 @@ public:
     /// @param name a typeface; one that is not installed falls back to the default font's family
     /// @param size pixels
     /// @param flags iFont::eStyle bits
-    virtual Tq::Ptr<iFont> createHostSurfaceFont(const LightweightString<wchar_t>& name, unsigned int size,
-                                                 unsigned int flags) = 0;
+    virtual Tq::Ptr<iFont> createHostSurfaceFont(const LightweightString<wchar_t>& name,
+                                                 unsigned int size, unsigned int flags) = 0;
 };

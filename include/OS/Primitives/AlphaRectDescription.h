@@ -6,14 +6,16 @@
 
 /// A flat, translucent rectangle.
 ///
-/// Drawn in topColour_'s red, green and blue with alpha_ as its opacity; bottomColour_ is ignored: never a
-/// gradient, deliberately.
+/// Drawn in topColour_'s red, green and blue with alpha_ as its opacity; bottomColour_ is ignored:
+/// never a gradient, deliberately.
 class OS_API AlphaRectDescription : public RectDescription
 {
 public:
-    enum eBlendMode : std::int32_t {
-        eBlendOver = 0,   ///< over what is there
-        eBlendCopy = 1,   ///< replaces what is there, alpha included (a renderer for GL always blends)
+    enum eBlendMode : std::int32_t
+    {
+        eBlendOver = 0, ///< over what is there
+        eBlendCopy =
+            1, ///< replaces what is there, alpha included (a renderer for GL always blends)
         eBlendOverToo = 2 ///< like 0; any other value leaves the renderer's blending as it was
     };
 

@@ -5,7 +5,8 @@
 #include <OS/Primitives/ShaderTechnique.h>
 #include <OS/Primitives/iGraphicPrimitive.h>
 
-/// A piece of an image passed through a shader effect. Drawn by GL only; the Qt renderer ignores it.
+/// A piece of an image passed through a shader effect. Drawn by GL only; the Qt renderer ignores
+/// it.
 class OS_API ImageDescriptionEx : public iGraphicPrimitive
 {
 public:

@@ -2,7 +2,8 @@
 
 #include <algorithm>
 
-/// A colour: red, green, blue and alpha, nominally 0.0 to 1.0, not premultiplied. Opaque black by default.
+/// A colour: red, green, blue and alpha, nominally 0.0 to 1.0, not premultiplied. Opaque black by
+/// default.
 class NormalisedRGB
 {
 public:
@@ -15,8 +16,8 @@ public:
     NormalisedRGB& operator=(const NormalisedRGB&) = default;
     virtual ~NormalisedRGB() = default;
 
-    /// A component as 8 bits: clamped, times 255, truncated. 1.0 gives 255 and 0.999 gives 254, deliberately.
-    /// Not a number gives 0.
+    /// A component as 8 bits: clamped, times 255, truncated. 1.0 gives 255 and 0.999 gives 254,
+    /// deliberately. Not a number gives 0.
     static int toByte(float component)
     {
         if (!(component > 0.0f))

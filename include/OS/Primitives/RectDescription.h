@@ -3,8 +3,8 @@
 #include <OS/Primitives/NormalisedRGB.h>
 #include <OS/Primitives/iGraphicPrimitive.h>
 
-/// A filled rectangle: solid when both colours are equal in all four components, else a gradient straight
-/// down from the top edge to the bottom edge.
+/// A filled rectangle: solid when both colours are equal in all four components, else a gradient
+/// straight down from the top edge to the bottom edge.
 class OS_API RectDescription : public iGraphicPrimitive
 {
 public:

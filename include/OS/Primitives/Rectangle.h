@@ -22,7 +22,10 @@ struct Rectangle
     XY<T> size() const { return XY<T>(width(), height()); }
     bool hasArea() const { return width() != 0 && height() != 0; }
     /// Whether left <= x < right and top <= y < bottom.
-    bool contains(const XY<T>& p) const { return left <= p.x && p.x < right && top <= p.y && p.y < bottom; }
+    bool contains(const XY<T>& p) const
+    {
+        return left <= p.x && p.x < right && top <= p.y && p.y < bottom;
+    }
 
     /// What two rectangles share: all zero when they lie apart. Rectangles that only touch share a
     /// strip of zero width or height, deliberately: it is not empty, but has no area.
@@ -43,7 +46,10 @@ struct Rectangle
                 std::max({top, bottom, other.top, other.bottom})};
     }
 
-    Rectangle translated(T dx, T dy) const { return {left + dx, top + dy, right + dx, bottom + dy}; }
+    Rectangle translated(T dx, T dy) const
+    {
+        return {left + dx, top + dy, right + dx, bottom + dy};
+    }
 
     friend bool operator==(const Rectangle& a, const Rectangle& b)
     {

@@ -7,7 +7,8 @@
 
 #include <vector>
 
-/// How an image is passed through an effect: the effect, one of its techniques, and parameter values.
+/// How an image is passed through an effect: the effect, one of its techniques, and parameter
+/// values.
 struct ShaderTechnique
 {
     Tq::Ptr<iShaderEffectBase> effect_; ///< null draws the image as it is

@@ -2,9 +2,10 @@
 
 /// Where a text stands relative to its position: a horizontal value plus a vertical one.
 ///
-/// Read by the GL renderer; the Qt renderer always starts at the position, on the baseline, which is the
-/// default, so that both put text on the same pixels.
-enum TextAlignment : unsigned int {
+/// Read by the GL renderer; the Qt renderer always starts at the position, on the baseline, which
+/// is the default, so that both put text on the same pixels.
+enum TextAlignment : unsigned int
+{
     eTextLeft = 0x0,
     eTextRight = 0x1,
     eTextCentre = 0x2,

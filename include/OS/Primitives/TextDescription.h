@@ -13,15 +13,17 @@
 class OS_API TextDescription : public iGraphicPrimitive
 {
 public:
-    enum eTextStyle : std::int32_t {
+    enum eTextStyle : std::int32_t
+    {
         ePlain = 0,
         eHalo = 2,     ///< one pixel of backColour_ around each character
         eUnderline = 3 ///< other values are plain
     };
 
     /// Plain text on no band: backColour_ is opaque black, the style and the highlight are 0.
-    TextDescription(const LightweightString<wchar_t>& text, const XY<int>& pos, const NormalisedRGB& colour,
-                    TextAlignment alignment, const Tq::Ptr<iFont>& font)
+    TextDescription(const LightweightString<wchar_t>& text, const XY<int>& pos,
+                    const NormalisedRGB& colour, TextAlignment alignment,
+                    const Tq::Ptr<iFont>& font)
         : text_(text), pos_(pos), colour_(colour), font_(font), alignment_(alignment)
     {
     }

@@ -5,8 +5,8 @@
 
 /// The base of everything that can be drawn.
 ///
-/// Descriptions are plain values: copied into lists and arrays, never shared through Tq::Ptr. The count
-/// they inherit is copied with the rest and means nothing.
+/// Descriptions are plain values: copied into lists and arrays, never shared through Tq::Ptr. The
+/// count they inherit is copied with the rest and means nothing.
 class OS_API iGraphicPrimitive : public virtual iObject
 {
 public:

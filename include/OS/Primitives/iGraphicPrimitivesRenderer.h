@@ -14,9 +14,9 @@
 
 /// What the application draws with: arrays of one kind of description at a time, in call order.
 ///
-/// Got from a window, an image or a back buffer, used on that target's thread, and released when the
-/// drawing is done: releasing a deferred renderer is what delivers its drawing. Arrays are read during the
-/// call and not kept. A count of 0 draws nothing.
+/// Got from a window, an image or a back buffer, used on that target's thread, and released when
+/// the drawing is done: releasing a deferred renderer is what delivers its drawing. Arrays are read
+/// during the call and not kept. A count of 0 draws nothing.
 class OS_API iGraphicPrimitivesRenderer : public virtual iObject
 {
 public:

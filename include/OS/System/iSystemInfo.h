@@ -9,7 +9,8 @@
 
 /// What machine this is, reached as OS()->systemInfo().
 ///
-/// May be called from any thread, except getMonitorInfo, which belongs to the thread of the event loop.
+/// May be called from any thread, except getMonitorInfo, which belongs to the thread of the event
+/// loop.
 class OS_API iSystemInfo : public iObject
 {
 public:
@@ -30,10 +31,11 @@ public:
     struct MemoryInfo
     {
         std::uint64_t totalPhysical_ = 0;
-        std::uint64_t availablePhysical_ = 0; ///< free plus inactive, deliberately not the kernel's estimate
-        std::uint64_t wired_ = 0;             ///< neither free, active nor inactive
-        std::uint64_t totalVirtual_ = 0;      ///< always 0
-        std::uint64_t availableVirtual_ = 0;  ///< always 0
+        std::uint64_t availablePhysical_ =
+            0;                    ///< free plus inactive, deliberately not the kernel's estimate
+        std::uint64_t wired_ = 0; ///< neither free, active nor inactive
+        std::uint64_t totalVirtual_ = 0;     ///< always 0
+        std::uint64_t availableVirtual_ = 0; ///< always 0
         std::uint64_t processResident_ = 0;
         std::uint64_t processVirtual_ = 0;
     };
@@ -42,13 +44,14 @@ public:
     virtual unsigned int getNumberOfProcessors() = 0;
     /// Appends one record for each screen; nothing without an application object or a screen.
     virtual void getMonitorInfo(std::vector<MonitorInfo>& monitors) = 0;
-    /// Memory that cannot be read gives zeros, after "Failed to get VM statistics." (or "getting page
-    /// size") on standard error.
+    /// Memory that cannot be read gives zeros, after "Failed to get VM statistics." (or "getting
+    /// page size") on standard error.
     virtual MemoryInfo getMemoryInfo() = 0;
     /// The host's name up to its first "."; empty when the system does not answer.
     virtual LightweightString<wchar_t> getComputerName() = 0;
-    /// The system's release name and its version in parentheses. Without a release name, the assertion
-    /// report for "false" at "OS/Mac/SystemInfo line 148" is printed and the name is empty.
+    /// The system's release name and its version in parentheses. Without a release name, the
+    /// assertion report for "false" at "OS/Mac/SystemInfo line 148" is printed and the name is
+    /// empty.
     virtual LightweightString<wchar_t> getOSVersion() = 0;
     /// The vendor of the graphics driver; empty until GL has been started.
     virtual LightweightString<wchar_t> getGraphicsDriverVendor() = 0;

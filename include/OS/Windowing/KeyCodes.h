@@ -2,18 +2,19 @@
 
 #include <cstdint>
 
-/// Codes of keys that are no characters, and the modifier bits, as event records carry them. Characters
-/// travel as their Unicode code point.
+/// Codes of keys that are no characters, and the modifier bits, as event records carry them.
+/// Characters travel as their Unicode code point.
 namespace Key {
 
-enum eCode : std::uint32_t {
+enum eCode : std::uint32_t
+{
     eNone = 0,
     eBackspace = 8,
     eTab = 9,
     eReturn = 13,
     eEscape = 27,
     eSpace = 32,
-    eF1 = 0x800003B,  ///< F2 to F12 follow
+    eF1 = 0x800003B, ///< F2 to F12 follow
     eF12 = 0x8000046,
     eHome = 0x8000047,
     eUp = 0x8000048,
@@ -29,7 +30,8 @@ enum eCode : std::uint32_t {
     eF19 = 0x8000067
 };
 
-enum eModifier : std::uint32_t {
+enum eModifier : std::uint32_t
+{
     eControl = 0x100000,
     eShift = 0x1000000,
     eMeta = 0x2000000,

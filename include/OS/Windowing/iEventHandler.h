@@ -9,16 +9,21 @@
 
 /// What the application implements to receive its window's events.
 ///
-/// Every operation is called on the thread of the event loop, with no lock held. Each answers whether the
-/// program goes on; it may quit in any of them.
+/// Every operation is called on the thread of the event loop, with no lock held. Each answers
+/// whether the program goes on; it may quit in any of them.
 class OS_API iEventHandler : public iObject
 {
 public:
-    enum eRC : int { eContinue = 0, eQuit = 1 /* every other value goes on */ };
+    enum eRC : int
+    {
+        eContinue = 0,
+        eQuit = 1 /* every other value goes on */
+    };
 
     struct MouseEvent
     {
-        enum eKind : std::uint32_t {
+        enum eKind : std::uint32_t
+        {
             eLeftUp = 1,
             eLeftDown = 2, ///< a double click is a second press
             eOtherUp = 3,
@@ -27,21 +32,26 @@ public:
             eMove = 6 ///< not sent within 80 ms of the last press, deliberately
         };
         /// The reverse of the toolkit's order, deliberately.
-        enum eButton : std::uint32_t { eRight = 1, eLeft = 2, eMiddle = 4 };
+        enum eButton : std::uint32_t
+        {
+            eRight = 1,
+            eLeft = 2,
+            eMiddle = 4
+        };
 
         std::int64_t time = 0; ///< milliseconds, iUtils::timeNow() rounded
         XY<int> position;      ///< in the window, logical pixels
         std::uint32_t kind = 0;
-        std::uint32_t buttons = 0; ///< held when the event came; a press includes its own
+        std::uint32_t buttons = 0;       ///< held when the event came; a press includes its own
         std::int32_t wheelDirection = 0; ///< +1 away from the user, -1 towards; 0 for other kinds
-        std::uint32_t modifiers = 0; ///< Key::eModifier bits
+        std::uint32_t modifiers = 0;     ///< Key::eModifier bits
     };
 
     struct KeyEvent
     {
         std::uint32_t reserved = 0;
-        /// A character, a Key::eCode, or 0. A modifier's press carries 0 and its release the code of the
-        /// last key pressed, once: deliberate.
+        /// A character, a Key::eCode, or 0. A modifier's press carries 0 and its release the code
+        /// of the last key pressed, once: deliberate.
         std::uint32_t code = 0;
         std::uint32_t modifiers = 0; ///< Key::eModifier bits
         std::uint32_t reserved2 = 0;
@@ -55,7 +65,8 @@ public:
 
     struct WindowEvent
     {
-        enum eKind : std::int32_t {
+        enum eKind : std::int32_t
+        {
             eResized = 1,
             eCloseRequested = 4, ///< the window stays open unless the answer is eQuit
             eShown = 5,          ///< also: gained the keyboard

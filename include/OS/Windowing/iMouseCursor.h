@@ -7,10 +7,11 @@ class OS_API iMouseCursor : public iObject
 {
 public:
     /// Numbers from 16 on give the arrow.
-    enum eStockCursor : unsigned int {
+    enum eStockCursor : unsigned int
+    {
         eSizeAll = 0,
-        eSizeHorizontal = 1, ///< 2 and 3 are the same
-        eSizeVertical = 4,   ///< 5 and 6 are the same
+        eSizeHorizontal = 1,       ///< 2 and 3 are the same
+        eSizeVertical = 4,         ///< 5 and 6 are the same
         eSizeBackwardDiagonal = 7, ///< 8 and 9 are the same
         eSizeForwardDiagonal = 10, ///< 11 and 12 are the same
         eWait = 13,

@@ -18,23 +18,25 @@ class QWidget;
 /// The application's top-level window, made by iWindowManager::createRootWindow and given life by
 /// realize. It goes with its last reference.
 ///
-/// Everything runs on the thread of the event loop, except postUserMessage, which may be called from any
-/// thread. Sizes and positions are logical pixels.
+/// Everything runs on the thread of the event loop, except postUserMessage, which may be called
+/// from any thread. Sizes and positions are logical pixels.
 class OS_API iRootWindow : public virtual iObject
 {
 public:
     struct InitArgs
     {
-        XY<int> size;            ///< of the client area; not positive: the whole monitor
-        XY<int> position;        ///< of the top left corner on the desktop
-        bool maximised = false;  ///< on the monitor that holds `position`
-        bool titleBar = true;    ///< false: no frame (and full screen where maximised or without a size)
+        XY<int> size;           ///< of the client area; not positive: the whole monitor
+        XY<int> position;       ///< of the top left corner on the desktop
+        bool maximised = false; ///< on the monitor that holds `position`
+        bool titleBar =
+            true; ///< false: no frame (and full screen where maximised or without a size)
         bool stayOnTop = false;
-        bool visible = true;     ///< show it at once
+        bool visible = true; ///< show it at once
         LightweightString<wchar_t> title;
-        Tq::Ptr<iHostImage> icon;             ///< or null
-        Tq::Ptr<iRegion> shape;               ///< or null: a rectangle
-        Tq::Ptr<iEventHandler> eventHandler;  ///< or null; kept until it is replaced or the window goes
+        Tq::Ptr<iHostImage> icon; ///< or null
+        Tq::Ptr<iRegion> shape;   ///< or null: a rectangle
+        Tq::Ptr<iEventHandler>
+            eventHandler; ///< or null; kept until it is replaced or the window goes
     };
 
     ~iRootWindow() override = default;
@@ -52,11 +54,13 @@ public:
 
     /// False exactly while the window fills the screen.
     virtual bool isTitleBarEnabled() const = 0;
-    /// false fills the screen without a frame; true goes back to what was before, maximised or normal.
+    /// false fills the screen without a frame; true goes back to what was before, maximised or
+    /// normal.
     virtual void enableTitleBar(bool enabled) = 0;
     virtual bool isMinimised() const = 0;
     virtual bool isMaximised() const = 0;
-    /// Iconifies the window. It is maximised first, deliberately: that brings it back from full screen.
+    /// Iconifies the window. It is maximised first, deliberately: that brings it back from full
+    /// screen.
     virtual void minimise() = 0;
     virtual bool hasFocus() const = 0;
     virtual void claimFocus() = 0;
@@ -80,9 +84,9 @@ public:
 
     /// What to draw on the window with.
     ///
-    /// Inside handlePaint it draws straight into the window. At any other time it records; releasing it
-    /// queues the recording, and the next paint draws the queue, in order, instead of asking the handler:
-    /// deliberate, queued drawing is that paint. Null before realize.
+    /// Inside handlePaint it draws straight into the window. At any other time it records;
+    /// releasing it queues the recording, and the next paint draws the queue, in order, instead of
+    /// asking the handler: deliberate, queued drawing is that paint. Null before realize.
     virtual Tq::Ptr<iGraphicPrimitivesRenderer> getPrimitivesRenderer(bool antialias) = 0;
 
     /// Sends the handler a user message through the event loop. From any thread.
@@ -90,16 +94,16 @@ public:
     /// Keeps a child widget alive until the next paint has been drawn, then destroys it.
     virtual void queueSubWindowForDeletion(Tq::Ptr<QWidget> window) = 0;
 
-    /// Direct access to the window's pixels is not to be had: prints the assertion report for "false" at
-    /// "OS/Mac/QtRootWindow line 280" and returns null.
+    /// Direct access to the window's pixels is not to be had: prints the assertion report for
+    /// "false" at "OS/Mac/QtRootWindow line 280" and returns null.
     virtual Tq::Ptr<iPixelGuard> lock() = 0;
     /// Does nothing, deliberately: draw through getPrimitivesRenderer.
     virtual void requestRepaint(const Tq::Ptr<iRegion>& region) = 0;
     /// Does nothing, deliberately: see iStatusWindow.
     virtual void showProgress(float fraction) = 0;
 
-    /// The full size of the monitor whose usable area holds a position, else of the first one; (0, 0) when
-    /// there is none.
+    /// The full size of the monitor whose usable area holds a position, else of the first one; (0,
+    /// 0) when there is none.
     virtual XY<int> getMonitorSize(const XY<int>& position) const = 0;
     /// Whether some monitor's usable area holds a position.
     virtual bool validDesktopPosition(const XY<int>& position) const = 0;

@@ -5,8 +5,8 @@
 
 /// A small window with a message and a progress bar, for work that the user waits for.
 ///
-/// Used on the thread of the event loop. It is shown by the first show() and goes with its last reference.
-/// Changes are painted at once, so it keeps up while its owner is busy.
+/// Used on the thread of the event loop. It is shown by the first show() and goes with its last
+/// reference. Changes are painted at once, so it keeps up while its owner is busy.
 class OS_API iStatusWindow : public iObject
 {
 public:
@@ -16,6 +16,7 @@ public:
     virtual void setTitle(const LightweightString<wchar_t>& title) = 0;
     /// Line ends in the text begin new lines; long lines are cut with an ellipsis.
     virtual void setMessage(const LightweightString<wchar_t>& message) = 0;
-    /// @param fraction 0.0 to 1.0, clamped; a negative one (or no number) shows work without a known end
+    /// @param fraction 0.0 to 1.0, clamped; a negative one (or no number) shows work without a
+    /// known end
     virtual void setProgress(float fraction) = 0;
 };

@@ -4,8 +4,8 @@
 
 #include <cstdint>
 
-/// A timer that ticks until it is released. Ticks go to an event handler on the thread of the event loop;
-/// they are coarse (5 % of the interval) and late ones are not made up for.
+/// A timer that ticks until it is released. Ticks go to an event handler on the thread of the event
+/// loop; they are coarse (5 % of the interval) and late ones are not made up for.
 class OS_API iTimer : public iObject
 {
 public:

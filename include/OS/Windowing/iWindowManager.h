@@ -20,10 +20,10 @@
 
 /// Windows, fonts, cursors and the event loop, reached as OS()->windowMgr().
 ///
-/// Everything belongs to the thread of the event loop, which is the one that made the Qt application object
-/// (the library makes it on first use, where the application has not). isKeyPressed may be called from any
-/// thread and may then answer late. Without a display the Qt application runs off screen: fonts, images
-/// and regions work, windows are invisible.
+/// Everything belongs to the thread of the event loop, which is the one that made the Qt
+/// application object (the library makes it on first use, where the application has not).
+/// isKeyPressed may be called from any thread and may then answer late. Without a display the Qt
+/// application runs off screen: fonts, images and regions work, windows are invisible.
 class OS_API iWindowManager : public virtual iObject
 {
 public:
@@ -34,24 +34,27 @@ public:
     /// @return null, after "OpenGL not available - denied!", where OpenGL is not available
     virtual Tq::Ptr<iRootWindow> createRootWindow() = 0;
     /// A timer whose ticks go to a handler, which it keeps.
-    virtual Tq::Ptr<iTimer> createTimer(unsigned int intervalMs, Tq::Ptr<iEventHandler> handler) = 0;
+    virtual Tq::Ptr<iTimer> createTimer(unsigned int intervalMs,
+                                        Tq::Ptr<iEventHandler> handler) = 0;
     /// @param size pixels
     /// @param weight 100 to 900, 400 is normal; 0 takes it from the flags
     /// @param flags iFont::eStyle bits
     virtual Tq::Ptr<iFont> createFont(const LightweightString<wchar_t>& name, unsigned int size,
                                       unsigned int weight, unsigned int flags) = 0;
-    /// A region of at most 15 rectangles. More print the assertion report for "data.size() < kMaxSize" at
-    /// "OS/Mac/QtRegion line 39", and the first 16 are used.
+    /// A region of at most 15 rectangles. More print the assertion report for "data.size() <
+    /// kMaxSize" at "OS/Mac/QtRegion line 39", and the first 16 are used.
     virtual Tq::Ptr<iRegion> createRegion(const std::vector<Tq::Rectangle<int>>& rectangles) = 0;
     virtual Tq::Ptr<iMouseCursor> createMouseCursor(iMouseCursor::eStockCursor stock) = 0;
     /// @return null when the image has no pixels
-    virtual Tq::Ptr<iMouseCursor> createMouseCursor(Tq::Ptr<iHostImage> image, const XY<int>& hotSpot) = 0;
+    virtual Tq::Ptr<iMouseCursor> createMouseCursor(Tq::Ptr<iHostImage> image,
+                                                    const XY<int>& hotSpot) = 0;
     /// Installs a cursor on the root window; null gives the arrow.
     virtual void setMouseCursor(Tq::Ptr<iMouseCursor> cursor) = 0;
     virtual void showMouseCursor(bool shown) = 0;
     virtual Tq::Ptr<iStatusWindow> createStatusWindow() = 0;
     /// @return null where there are no video windows
-    virtual Tq::Ptr<iVideoWindow> createVideoWindow(const XY<int>& position, const XY<int>& size) = 0;
+    virtual Tq::Ptr<iVideoWindow> createVideoWindow(const XY<int>& position,
+                                                    const XY<int>& size) = 0;
     virtual Tq::Ptr<iVideoWindow> createVideoWindowFullscreen() = 0;
 
     /// Adds the names of the installed typefaces.
@@ -61,12 +64,13 @@ public:
     /// 7: all three capabilities.
     virtual unsigned int getCaps() = 0;
 
-    /// Answers only for 0x100000, 27, 32, 0x1000000, 0x2000000 and 0x4000000, by testing that bit mask
-    /// against the modifiers of the last key event; every other code is false, deliberately.
+    /// Answers only for 0x100000, 27, 32, 0x1000000, 0x2000000 and 0x4000000, by testing that bit
+    /// mask against the modifiers of the last key event; every other code is false, deliberately.
     virtual bool isKeyPressed(unsigned int code) = 0;
     /// In logical pixels of the desktop.
     virtual XY<int> getMousePosition() = 0;
-    /// Handles what the window system has sent, once, except keys and the mouse, which wait for the loop.
+    /// Handles what the window system has sent, once, except keys and the mouse, which wait for the
+    /// loop.
     virtual void despatchPendingEvents() = 0;
     /// Runs the event loop until a handler quits. @return its exit code, 0 when a handler quit
     virtual int startEventLoop() = 0;

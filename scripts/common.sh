@@ -1,0 +1,20 @@
+# Sourced by the scripts at the top: set-up, and one way to configure and build a preset.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+root=$PWD
+export CCACHE_BASEDIR=$root CCACHE_NOHASHDIR=1 CCACHE_SLOPPINESS=pch_defines,time_macros
+export CCACHE_DIR=${CCACHE_DIR:-$root/.cache/ccache}
+export CLICOLOR_FORCE=0
+
+# build PRESET [target...]: configures the preset and builds the targets (default: all).
+build()
+{
+    local preset=$1
+    shift
+    local log=$root/build/$preset-configure.log
+    mkdir -p "$root/build"
+    cmake --preset "$preset" >"$log" 2>&1 || { cat "$log" >&2; return 1; }
+    local -a targets=()
+    [ $# -gt 0 ] && targets=(--target "$@")
+    cmake --build --preset "$preset" "${targets[@]}" -- --quiet
+}

@@ -1,0 +1,5 @@
+/* A library for the tests to load. */
+int probe_answer(void)
+{
+    return 42;
+}

@@ -11,6 +11,7 @@
 #include "OS/Mac/Files/ProcessManager.h"
 #include "OS/Mac/Files/Shell.h"
 #include "OS/Mac/System/SystemInfo.h"
+#include "OS/Mac/Threads/ThreadManager.h"
 #include "OS/Shared/Heap.h"
 
 /// The root object: one of every manager, by value, in the order in which they are constructed.
@@ -25,7 +26,7 @@ public:
     iHeap* heap() override { return &heap_; }
     iUtils* utils() override { return &utils_; }
     iFileManager* fileMgr() override { return &fileManager_; }
-    iThreadManager* threadMgr() override { return nullptr; }
+    iThreadManager* threadMgr() override { return &threadManager_; }
     iThreadAtomics* threadAtomics() override { return &threadAtomics_; }
     iProcessManager* processMgr() override { return &processManager_; }
     iWindowManager* windowMgr() override { return nullptr; }
@@ -40,6 +41,7 @@ private:
     FileManager fileManager_;
     Tq::OsHeap heap_;
     Utils utils_;
+    ThreadManager threadManager_;
     ThreadAtomics threadAtomics_;
     SystemInfo systemInfo_;
     ProcessManager processManager_;

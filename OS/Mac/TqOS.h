@@ -10,6 +10,7 @@
 #include "OS/Mac/Files/MountManager.h"
 #include "OS/Mac/Files/ProcessManager.h"
 #include "OS/Mac/Files/Shell.h"
+#include "OS/Mac/Media/MediaServices.h"
 #include "OS/Mac/System/SystemInfo.h"
 #include "OS/Mac/Threads/ThreadManager.h"
 #include "OS/Shared/Heap.h"
@@ -32,7 +33,7 @@ public:
     iWindowManager* windowMgr() override { return nullptr; }
     iSystemInfo* systemInfo() override { return &systemInfo_; }
     iHardwareManager* hardwareMgr() override { return &hardwareManager_; }
-    iMediaServices* mediaServices() override { return nullptr; }
+    iMediaServices* mediaServices() override { return &mediaServices_; }
     iShell* shell() override { return &shell_; }
     iMIDI* midi() override { return &midi_; }
     iMountManager* mountMgr() override { return &mountManager_; }
@@ -46,6 +47,7 @@ private:
     SystemInfo systemInfo_;
     ProcessManager processManager_;
     Shell shell_;
+    MediaServices mediaServices_;
     HardwareManager hardwareManager_;
     MIDI midi_;
     MountManager mountManager_;

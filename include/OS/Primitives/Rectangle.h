@@ -3,7 +3,10 @@
 #include <OS/Primitives/XY.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
+#include <limits>
+#include <type_traits>
 
 namespace Tq {
 
@@ -16,8 +19,9 @@ struct Rectangle
     T right = 0;
     T bottom = 0;
 
-    T width() const { return std::abs(right - left); }
-    T height() const { return std::abs(bottom - top); }
+    /// What no T can hold becomes the largest T.
+    T width() const { return distance(left, right); }
+    T height() const { return distance(top, bottom); }
     XY<T> topLeft() const { return XY<T>(left, top); }
     XY<T> size() const { return XY<T>(width(), height()); }
     bool hasArea() const { return width() != 0 && height() != 0; }
@@ -54,6 +58,17 @@ struct Rectangle
     friend bool operator==(const Rectangle& a, const Rectangle& b)
     {
         return a.left == b.left && a.top == b.top && a.right == b.right && a.bottom == b.bottom;
+    }
+
+private:
+    static T distance(T a, T b)
+    {
+        if constexpr (std::is_integral_v<T>) {
+            const long long apart = std::abs(static_cast<long long>(b) - a);
+            return static_cast<T>(std::min<long long>(apart, std::numeric_limits<T>::max()));
+        } else {
+            return std::abs(b - a);
+        }
     }
 };
 

@@ -1,0 +1,9 @@
+#pragma once
+
+namespace Host {
+
+/// Whether the environment names an X11 display and its server lets this process in. Asked before
+/// the toolkit is started on it: the toolkit ends the process when it cannot connect.
+bool displayAnswers();
+
+} // namespace Host

@@ -1,0 +1,198 @@
+#include "OS/Mac/Painting/QtImage.h"
+
+#include "OS/Mac/Core/Assertion.h"
+#include "OS/Mac/Core/PathText.h"
+#include "OS/Mac/Painting/JpegReader.h"
+#include "OS/Mac/Painting/PictureLimits.h"
+#include "OS/Mac/Painting/QtGraphicPrimitivesRenderer.h"
+#include "OS/Mac/Painting/QtImageLock.h"
+#include "OS/Mac/Painting/TiffReader.h"
+
+#include <OS/Core/Exception.h>
+
+#include <QFile>
+#include <QImageReader>
+
+#include <fcntl.h>
+#include <memory>
+#include <string_view>
+
+namespace {
+
+struct FileCloser
+{
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+using FileHandle = std::unique_ptr<std::FILE, FileCloser>;
+
+FileHandle openForReading(const LightweightString<wchar_t>& path)
+{
+    return FileHandle(std::fopen(OSInternal::pathToSystem(path).c_str(), "rbe"));
+}
+
+// The extension in lower case, without its dot.
+LightweightString<char> extensionOf(const LightweightString<wchar_t>& path)
+{
+    const LightweightString<char> name = OSInternal::pathToSystem(path);
+    const auto dot = name.rfind('.');
+    if (dot == name.npos || name.find('/', dot) != name.npos)
+        return {};
+    return name.substr(dot + 1).toLower();
+}
+
+bool isOneOf(const LightweightString<char>& name, std::initializer_list<const char*> names)
+{
+    for (const char* candidate : names)
+        if (name == candidate)
+            return true;
+    return false;
+}
+
+[[noreturn]] void throwBrokenJpeg(const LightweightString<wchar_t>& path)
+{
+    // The exception only carries an address, so the text waits here until the thread's next one.
+    thread_local char message[1024];
+    std::snprintf(message, sizeof message, "QtImage::loadJPEG(%s) failed",
+                  OSInternal::pathToSystem(path).c_str());
+    throw Tq::Exception::RuntimeError(message, "OS/Mac/QtImage", 215);
+}
+
+// Everything but 32-bit pixels is converted to them: iHostImage promises no other.
+QImage toWords(QImage image)
+{
+    switch (image.format()) {
+    case QImage::Format_RGB32:
+    case QImage::Format_ARGB32:
+    case QImage::Format_ARGB32_Premultiplied:
+        return image;
+    default:
+        return std::move(image).convertToFormat(image.hasAlphaChannel() ? QImage::Format_ARGB32
+                                                                        : QImage::Format_RGB32);
+    }
+}
+
+} // namespace
+
+QtImage::QtImage(const XY<int>& size, QImage::Format format, unsigned char scale)
+    : scale_(scale), size_(size)
+{
+    allocate(format);
+    if (!image_)
+        size_ = {};
+}
+
+void QtImage::allocate(QImage::Format format)
+{
+    const bool ours =
+        format == QImage::Format_ARGB32 || format == QImage::Format_ARGB32_Premultiplied;
+    if (!ours)
+        OSInternal::reportAssertion("false", "OS/Mac/QtImage line 93");
+    if (size_.x < 1 || size_.y < 1 || scale_ < 1)
+        return;
+    const auto width = static_cast<std::uint64_t>(size_.x) * scale_;
+    const auto height = static_cast<std::uint64_t>(size_.y) * scale_;
+    if (!PictureLimits::admits(width, height))
+        return;
+    const auto w = static_cast<int>(width);
+    const auto h = static_cast<int>(height);
+    QImage image = ours ? PictureLimits::allocate(w, h, format) : QImage(w, h, format);
+    if (image.isNull())
+        return;
+    if (!ours)
+        image.fill(0u);
+    image_ = new QImage(std::move(image));
+}
+
+QtImage::QtImage(const LightweightString<wchar_t>& path)
+{
+    const LightweightString<char> extension = extensionOf(path);
+    QImage image;
+    if (isOneOf(extension, {"bmp", "png", "pbm", "pgm", "ppm", "xbm", "xpm"}))
+        image = loadWithToolkit(path, extension.c_str());
+    else if (isOneOf(extension, {"jpg", "jpeg"}))
+        image = loadJPEG(path);
+    else if (isOneOf(extension, {"tif", "tiff"}))
+        image = loadTIFF(path);
+
+    if (image.isNull()) {
+        OSInternal::printLine("QtImage::QtImage( %s ) failed\n",
+                              OSInternal::pathToSystem(path).c_str());
+        return;
+    }
+    size_ = {image.width(), image.height()};
+    image_ = new QImage(std::move(image));
+}
+
+QImage QtImage::loadJPEG(const LightweightString<wchar_t>& path)
+{
+    const FileHandle file = openForReading(path);
+    if (!file)
+        return {};
+    QImage image = JpegReader(file.get()).read();
+    if (image.isNull())
+        throwBrokenJpeg(path);
+    return image;
+}
+
+QImage QtImage::loadTIFF(const LightweightString<wchar_t>& path)
+{
+    const int descriptor = open(OSInternal::pathToSystem(path).c_str(), O_RDONLY | O_CLOEXEC);
+    return descriptor < 0 ? QImage() : TiffReader(descriptor).read();
+}
+
+QImage QtImage::loadWithToolkit(const LightweightString<wchar_t>& path, const char* format)
+{
+    // Opened here: the toolkit would translate the name into the locale's bytes.
+    const FileHandle file = openForReading(path);
+    QFile device;
+    if (!file || !device.open(file.get(), QIODevice::ReadOnly))
+        return {};
+    QImageReader reader(&device, format);
+    reader.setAutoDetectImageFormat(false);
+    const QSize size = reader.size();
+    if (size.isValid() && !PictureLimits::admits(static_cast<std::uint64_t>(size.width()),
+                                                 static_cast<std::uint64_t>(size.height())))
+        return {};
+    QImage image;
+    return reader.read(&image) ? toWords(std::move(image)) : QImage();
+}
+
+XY<int> QtImage::getPhysicalSize() const
+{
+    return image_ ? XY<int>(image_->width(), image_->height()) : XY<int>();
+}
+
+int QtImage::getBitsPerPixel() const
+{
+    switch (image_ ? image_->format() : QImage::Format_Invalid) {
+    case QImage::Format_Mono:
+        return 1;
+    case QImage::Format_ARGB32:
+    case QImage::Format_ARGB32_Premultiplied:
+        return 32;
+    default:
+        return 0;
+    }
+}
+
+bool QtImage::isAlphaPreMultiplied() const
+{
+    return image_ && image_->format() == QImage::Format_ARGB32_Premultiplied;
+}
+
+Tq::Ptr<iPixelGuard> QtImage::lock() const
+{
+    if (!image_)
+        return {};
+    return new QtImageLock(Tq::Ptr<const QtImage>(this));
+}
+
+Tq::Ptr<iGraphicPrimitivesRenderer> QtImage::getPrimitivesRenderer(bool /*antialias*/)
+{
+    return new QtGraphicPrimitivesRenderer(image_, scale_);
+}
+
+Tq::Ptr<iImage> QtImage::createCompatibleImage(const XY<int>& size) const
+{
+    return new QtImage(size, getDefaultFormat(), 1);
+}

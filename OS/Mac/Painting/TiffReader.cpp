@@ -1,0 +1,55 @@
+#include "OS/Mac/Painting/TiffReader.h"
+
+#include "OS/Mac/Painting/PictureLimits.h"
+#include "OS/Mac/Painting/TiffFile.h"
+
+#include <cstdint>
+#include <unistd.h>
+#include <utility>
+
+namespace {
+
+// The library's words hold red in the lowest byte, ours blue.
+void swapRedAndBlue(QImage& image)
+{
+    auto* pixel = reinterpret_cast<std::uint32_t*>(image.bits());
+    const auto count =
+        static_cast<std::size_t>(image.width()) * static_cast<std::size_t>(image.height());
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::uint32_t value = pixel[i];
+        pixel[i] = (value & 0xFF00FF00) | (value & 0xFF) << 16 | (value >> 16 & 0xFF);
+    }
+}
+
+} // namespace
+
+TiffReader::~TiffReader()
+{
+    if (descriptor_ >= 0)
+        close(descriptor_);
+}
+
+QImage TiffReader::read()
+{
+    // Not mapped: a mapped file that somebody shortens would end the process.
+    const TiffFile::Handle tiff = TiffFile::open(std::exchange(descriptor_, -1), "rm");
+    if (!tiff)
+        return {};
+    std::uint32_t width = 0;
+    std::uint32_t height = 0;
+    TIFFGetField(tiff.get(), TIFFTAG_IMAGEWIDTH, &width);
+    TIFFGetField(tiff.get(), TIFFTAG_IMAGELENGTH, &height);
+    char reason[1024];
+    if (!PictureLimits::admits(width, height) || !TIFFRGBAImageOK(tiff.get(), reason))
+        return {};
+
+    QImage image = PictureLimits::allocate(static_cast<int>(width), static_cast<int>(height),
+                                           QImage::Format_ARGB32);
+    // A failure may leave the picture untouched: no pixels then, rather than an empty picture.
+    if (image.isNull() || !TIFFReadRGBAImageOriented(tiff.get(), width, height,
+                                                     reinterpret_cast<std::uint32_t*>(image.bits()),
+                                                     ORIENTATION_TOPLEFT, 0))
+        return {};
+    swapRedAndBlue(image);
+    return image;
+}

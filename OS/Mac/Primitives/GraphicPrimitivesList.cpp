@@ -1,0 +1,33 @@
+#include <OS/Primitives/GraphicPrimitivesList.h>
+
+namespace {
+
+// Whether the list's share is the only one, so that the batch can be destroyed where it lies.
+bool isLastShare(const GraphicPrimitivesList::iPrimitiveDescHolder& holder)
+{
+    return __atomic_load_n(holder.refCount(), __ATOMIC_ACQUIRE) == 1;
+}
+
+} // namespace
+
+GraphicPrimitivesList::~GraphicPrimitivesList()
+{
+    for (Entry* entry = first_; entry;) {
+        Entry* next = entry->next;
+        iPrimitiveDescHolder* holder = entry->holder;
+        if (isLastShare(*holder)) {
+            holder->~iPrimitiveDescHolder();
+        } else {
+            // Somebody holds on to it: it takes a share of its memory, and the list's share of it
+            // ends.
+            __atomic_add_fetch(&entry->chunk->owners, 1, __ATOMIC_RELAXED);
+            Tq::Ptr<iPrimitiveDescHolder>::adoptCounted(holder).reset();
+        }
+        entry = next;
+    }
+    for (Chunk* chunk = chunks_; chunk;) {
+        Chunk* next = chunk->next;
+        Chunk::release(chunk);
+        chunk = next;
+    }
+}

@@ -4,6 +4,7 @@
 #include <OS/Shared/iHeap.h>
 
 #include <algorithm>
+#include <bit>
 #include <cstdint>
 #include <cstring>
 #include <cwchar>
@@ -75,6 +76,8 @@ public:
         mutable int count;
 
         volatile int* refCount() const { return &count; }
+        /// What `chars` points to, without reading it.
+        C* inlineChars() { return reinterpret_cast<C*>(this + 1); }
 
         struct DtorTraits
         {
@@ -111,7 +114,7 @@ public:
     /// Characters that the record has room for, the terminator's place included; 0 when empty.
     size_type capacity() const noexcept { return impl_ ? impl_->capacity : 0; }
     /// Never null, always terminated; valid until the string changes.
-    const C* c_str() const noexcept { return impl_ ? impl_->chars : kEmpty; }
+    const C* c_str() const noexcept { return impl_ ? impl_->inlineChars() : kEmpty; }
     const C* data() const noexcept { return c_str(); }
     const_iterator begin() const noexcept { return c_str(); }
     const_iterator end() const noexcept { return c_str() + size(); }
@@ -176,6 +179,11 @@ public:
     // ---------
 
     int compare(View other) const noexcept { return compareChars(view(), other); }
+    int compare(const LightweightString& other) const noexcept
+    {
+        return compareChars(view(), other.view());
+    }
+    int compare(const C* other) const noexcept { return compareChars(view(), view(other)); }
     /// With case folded: A to Z in `char` strings, Unicode's simple folding in `wchar_t` strings.
     int compareNoCase(View other) const noexcept
     {
@@ -276,7 +284,7 @@ public:
     {
         Impl* impl = impl_.get();
         if (impl && impl->length + 1 < impl->capacity && isSoleOwner()) {
-            C* end = impl->chars + impl->length++;
+            C* end = impl->inlineChars() + impl->length++;
             end[0] = c;
             end[1] = C();
             return;
@@ -461,22 +469,26 @@ private:
         return a.size() == b.size() ? 0 : a.size() < b.size() ? -1 : 1;
     }
 
-    /// A record of length `length`, counted once and terminated; its characters are not set.
-    static Record makeRecord(std::size_t length, Room room)
+    static std::size_t capacityFor(std::size_t length, Room room)
     {
         if (length > std::size_t(std::numeric_limits<int>::max()))
             throw std::length_error("LightweightString");
-        std::size_t capacity = length + 1;
-        if (room == Room::eGrowing) {
-            capacity = 1;
-            while (capacity <= length)
-                capacity *= 2;
-        }
-        void* block = Tq::detail::stringHeap()->alloc(sizeof(Impl) + capacity * sizeof(C));
+        return room == Room::eExact ? length + 1 : std::bit_ceil(length + 1);
+    }
+    static std::size_t blockSize(std::size_t capacity)
+    {
+        return sizeof(Impl) + capacity * sizeof(C);
+    }
+
+    /// A record of length `length`, counted once and terminated; its characters are not set.
+    static Record makeRecord(std::size_t length, Room room)
+    {
+        const std::size_t capacity = capacityFor(length, room);
+        void* block = Tq::detail::stringHeap()->alloc(blockSize(capacity));
         if (!block)
             throw std::bad_alloc();
         Impl* impl = new (block) Impl;
-        impl->chars = reinterpret_cast<C*>(impl + 1);
+        impl->chars = impl->inlineChars();
         impl->length = static_cast<size_type>(length);
         impl->capacity = static_cast<size_type>(capacity);
         impl->count = 1;
@@ -509,7 +521,10 @@ private:
         return result;
     }
 
-    bool isSoleOwner() const noexcept { return impl_.useCount() == 1; }
+    bool isSoleOwner() const noexcept
+    {
+        return __atomic_load_n(&impl_->count, __ATOMIC_ACQUIRE) == 1;
+    }
     bool holds(const C* text) const noexcept
     {
         return impl_ && !std::less<const C*>()(text, begin()) && std::less<const C*>()(text, end());
@@ -517,7 +532,7 @@ private:
     void terminate(size_type length) noexcept
     {
         impl_->length = length;
-        impl_->chars[length] = C();
+        impl_->inlineChars()[length] = C();
     }
 
     /// Makes the string `count` characters longer. @return where they go
@@ -525,7 +540,9 @@ private:
     {
         const size_type old = size();
         const std::size_t length = old + count;
-        if (impl_ && isSoleOwner() && impl_->capacity > length) {
+        if (impl_ && isSoleOwner()) {
+            if (impl_->capacity <= length)
+                enlarge(length);
             terminate(static_cast<size_type>(length));
         } else {
             Record record = makeRecord(length, Room::eGrowing);
@@ -533,7 +550,22 @@ private:
                 copyChars(record->chars, impl_->chars, old);
             impl_ = std::move(record);
         }
-        return impl_->chars + old;
+        return impl_->inlineChars() + old;
+    }
+
+    /// Gives a record of the string's own room for `length` characters, in place where the heap
+    /// can.
+    void enlarge(std::size_t length)
+    {
+        const std::size_t capacity = capacityFor(length, Room::eGrowing);
+        void* block = Tq::detail::stringHeap()->reAlloc(impl_.get(), blockSize(capacity));
+        if (!block)
+            throw std::bad_alloc();
+        impl_.detachCounted(); // the block may have moved, with the count in it
+        Impl* impl = static_cast<Impl*>(block);
+        impl->chars = impl->inlineChars();
+        impl->capacity = static_cast<size_type>(capacity);
+        impl_ = Record::adoptCounted(impl);
     }
 
     Record impl_;

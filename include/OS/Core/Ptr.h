@@ -193,6 +193,14 @@ public:
         return result;
     }
 
+    /// The reverse of adoptCounted: lets go of the object without changing its count, and empties
+    /// the pointer.
+    T* detachCounted() noexcept
+    {
+        count_ = nullptr;
+        return std::exchange(object_, nullptr);
+    }
+
     T* get() const noexcept { return object_; }
     T* operator->() const noexcept { return object_; }
     std::add_lvalue_reference_t<T> operator*() const noexcept { return *object_; }

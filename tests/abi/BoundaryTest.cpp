@@ -1,0 +1,99 @@
+#include <OS.h>
+#include <OS/Core/Exception.h>
+#include <OS/Core/iUtils.h>
+#include <OS/Primitives/GraphicPrimitivesList.h>
+#include <OS/Shared/iHeap.h>
+#include <OS/Threads/TaskQueue.h>
+#include <OS/Threads/iThreadEvent.h>
+#include <OS/Threads/iThreadManager.h>
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <fstream>
+#include <new>
+#include <string>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+// Made before main.
+iOperatingSystem* const earlyRoot = OS();
+const LightweightString<wchar_t> earlyText = LightweightString<wchar_t>(L"made before ") + L"main";
+
+struct alignas(128) Wide
+{
+    char bytes[256];
+};
+
+} // namespace
+
+TEST(Boundary, TheRootServesStaticConstructors)
+{
+    EXPECT_EQ(earlyRoot, OS());
+    EXPECT_EQ(earlyText, L"made before main");
+    std::string name;
+    std::getline(std::ifstream("/proc/self/task/" + std::to_string(getpid()) + "/comm"), name);
+    EXPECT_EQ(name, "Main thread");
+}
+
+TEST(Boundary, TheGlobalOperatorsKeepTheLanguagesRules)
+{
+    // Through pointers, so that the compiler cannot leave the calls out.
+    void* (*volatile allocate)(std::size_t) = &operator new;
+    void* (*volatile tryAllocate)(std::size_t, const std::nothrow_t&) = &operator new;
+    void (*volatile release)(void*) = &operator delete;
+
+    constexpr std::size_t kTooMuch = std::size_t(1) << 62;
+    EXPECT_THROW(allocate(kTooMuch), std::bad_alloc);
+    EXPECT_EQ(tryAllocate(kTooMuch, std::nothrow), nullptr);
+    void* none = allocate(0);
+    EXPECT_NE(none, nullptr);
+    release(none);
+    release(nullptr);
+
+    auto* wide = new Wide;
+    EXPECT_EQ(reinterpret_cast<std::uintptr_t>(wide) % 128, 0u);
+    delete wide;
+    release(OS()->heap()->alloc(10)); // one heap
+    OS()->heap()->deAlloc(allocate(10));
+}
+
+TEST(Boundary, TheNewHandlerIsAskedBeforeGivingUp)
+{
+    static int calls = 0;
+    std::set_new_handler([] {
+        if (++calls == 3)
+            std::set_new_handler(nullptr);
+    });
+    void* (*volatile allocate)(std::size_t) = &operator new;
+    EXPECT_THROW(allocate(std::size_t(1) << 62), std::bad_alloc);
+    EXPECT_EQ(calls, 3);
+}
+
+TEST(Boundary, ExceptionsOfTheLibraryAreCaughtByTheirType)
+{
+    const std::vector<Tq::Ptr<iThreadEvent>> events(
+        65, OS()->threadMgr()->createEvent(false, false, nullptr));
+    try {
+        OS()->threadMgr()->waitForEvents(events, false, 10);
+        FAIL() << "65 events were accepted";
+    } catch (const Tq::Exception::Base& error) {
+        EXPECT_STREQ(error.typeName(), "RuntimeError");
+        EXPECT_STREQ(error.message(), "addSubscription failed");
+    }
+}
+
+TEST(Boundary, AForkedChildStillHasItsHeapAndClocks)
+{
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        const LightweightString<char> text = LightweightString<char>("still ") + "works";
+        _exit(text == "still works" && OS()->utils()->timeNow() > 0 ? 0 : 1);
+    }
+    int status = -1;
+    waitpid(child, &status, 0);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+}

@@ -1,0 +1,179 @@
+// The virtual slots of every interface whose order is published: clients are built against them.
+
+#include <OS.h>
+#include <OS/Core/iDLL.h>
+#include <OS/Core/iThreadAtomics.h>
+#include <OS/Core/iUtils.h>
+#include <OS/Primitives/GraphicPrimitivesList.h>
+#include <OS/Primitives/iGraphicPrimitivesRenderer.h>
+#include <OS/Shared/iHeap.h>
+#include <OS/Shared/iReclaimable.h>
+#include <OS/System/iSystemInfo.h>
+#include <OS/Threads/iCriticalSection.h>
+#include <OS/Threads/iExecutable.h>
+#include <OS/Threads/iIOCompletionPort.h>
+#include <OS/Threads/iMutex.h>
+#include <OS/Threads/iSemaphore.h>
+#include <OS/Threads/iThread.h>
+#include <OS/Threads/iThreadEvent.h>
+#include <OS/Threads/iThreadManager.h>
+#include <OS/Windowing/iEventHandler.h>
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <vector>
+
+namespace {
+
+// The slot that a pointer to a virtual member names: the platform's C++ ABI stores 1 plus its
+// offset in bytes.
+template <class Member>
+std::size_t slotOf(Member member)
+{
+    std::ptrdiff_t word = 0;
+    std::memcpy(&word, &member, sizeof word);
+    return static_cast<std::size_t>(word - 1) / sizeof(void*);
+}
+
+// Members in published order: behind the two slots of the destructor, or from `first` on.
+void expectOrder(const char* interface, const std::vector<std::size_t>& slots,
+                 std::size_t first = 2)
+{
+    for (std::size_t i = 0; i < slots.size(); ++i)
+        EXPECT_EQ(slots[i], first + i) << interface << ", operation " << i + 1;
+}
+
+template <class T, class Result, class... Arguments>
+std::size_t overload(Result (T::*member)(Arguments...))
+{
+    return slotOf(member);
+}
+
+template <class Description>
+std::size_t renderSlot()
+{
+    return overload<iGraphicPrimitivesRenderer, void, const Description*, unsigned int>(
+        &iGraphicPrimitivesRenderer::renderMulti);
+}
+
+template <class Description>
+std::size_t processSlot()
+{
+    using Processor = GraphicPrimitivesList::iPrimitivesProcessor;
+    return overload<Processor, void, const Description*, unsigned int, const Tq::Ptr<iRegion>&>(
+        &Processor::process);
+}
+
+} // namespace
+
+TEST(Slots, TheRootHandsOutItsManagersInOrder)
+{
+    using R = iOperatingSystem;
+    expectOrder("iOperatingSystem",
+                {slotOf(&R::heap), slotOf(&R::utils), slotOf(&R::fileMgr), slotOf(&R::threadMgr),
+                 slotOf(&R::threadAtomics), slotOf(&R::processMgr), slotOf(&R::windowMgr),
+                 slotOf(&R::systemInfo), slotOf(&R::hardwareMgr), slotOf(&R::mediaServices),
+                 slotOf(&R::shell), slotOf(&R::midi), slotOf(&R::mountMgr)});
+}
+
+TEST(Slots, CoreServices)
+{
+    using A = iThreadAtomics;
+    expectOrder(
+        "iThreadAtomics",
+        {slotOf(&A::safeInc), slotOf(&A::safeDec),
+         overload<A, long long, volatile long long*, long long>(&A::safeAssign),
+         overload<A, int, volatile int*, int>(&A::safeAssign), slotOf(&A::safeAdd),
+         overload<A, long long, volatile long long*, long long, long long>(&A::safeCompareExchange),
+         overload<A, int, volatile int*, int, int>(&A::safeCompareExchange)});
+    using H = iHeap;
+    expectOrder("iHeap", {slotOf(&H::alloc), slotOf(&H::reAlloc), slotOf(&H::deAlloc),
+                          slotOf(&H::virtualAlloc), slotOf(&H::virtualDeAlloc),
+                          slotOf(&H::registerReclaimable), slotOf(&H::deRegisterReclaimable),
+                          slotOf(&H::report), slotOf(&H::reclaim), slotOf(&H::limitUsage),
+                          slotOf(&H::isPointerValid), slotOf(&H::outOfMemory)});
+    using C = iReclaimable;
+    expectOrder("iReclaimable",
+                {slotOf(&C::purge), slotOf(&C::limitUsage), slotOf(&C::reportUsage)});
+    using D = iDLL;
+    expectOrder("iDLL",
+                {slotOf(&D::getFilename), slotOf(&D::valid), slotOf(&D::containsFunction),
+                 slotOf(&D::getFunction), slotOf(&D::containsResource), slotOf(&D::getResource)});
+    using U = iUtils;
+    expectOrder("iUtils",
+                {slotOf(&U::widen), slotOf(&U::narrow), slotOf(&U::toUTF8), slotOf(&U::fromUTF8),
+                 slotOf(&U::timeNow), slotOf(&U::elapsedTime), slotOf(&U::getTimeNano),
+                 slotOf(&U::generateUUID), slotOf(&U::checkAndFixFloatPrecision),
+                 slotOf(&U::outputDebug), slotOf(&U::getLastError),
+                 slotOf(&U::getSystemErrorString), slotOf(&U::getStacktrace)});
+    using S = iSystemInfo;
+    expectOrder("iSystemInfo",
+                {slotOf(&S::getNumberOfProcessors), slotOf(&S::getMonitorInfo),
+                 slotOf(&S::getMemoryInfo), slotOf(&S::getComputerName), slotOf(&S::getOSVersion),
+                 slotOf(&S::getGraphicsDriverVendor), slotOf(&S::getVariable)});
+}
+
+TEST(Slots, Threads)
+{
+    using M = iThreadManager;
+    expectOrder("iThreadManager",
+                {slotOf(&M::createCriticalSection), slotOf(&M::createSemaphore),
+                 slotOf(&M::createEvent), slotOf(&M::createMutex), slotOf(&M::createThread),
+                 slotOf(&M::waitForEvents), slotOf(&M::protectedExecute), slotOf(&M::openMutex),
+                 slotOf(&M::getCurrentThreadID), slotOf(&M::exitCurrentThread), slotOf(&M::sleep)});
+    using T = iThread;
+    expectOrder("iThread",
+                {slotOf(&T::getID), slotOf(&T::getPriority), slotOf(&T::setPriority),
+                 slotOf(&T::setAffinity), slotOf(&T::resume), slotOf(&T::suspend),
+                 slotOf(&T::waitForCompletion), slotOf(&T::getObject), slotOf(&T::setObject)});
+    expectOrder("iCriticalSection",
+                {slotOf(&iCriticalSection::lock), slotOf(&iCriticalSection::lockIfNotLocked),
+                 slotOf(&iCriticalSection::unlock)});
+    expectOrder("iMutex", {slotOf(&iMutex::wait), slotOf(&iMutex::release)});
+    expectOrder("iSemaphore", {slotOf(&iSemaphore::wait), slotOf(&iSemaphore::release)});
+    expectOrder("iThreadEvent", {slotOf(&iThreadEvent::wait), slotOf(&iThreadEvent::set),
+                                 slotOf(&iThreadEvent::reset)});
+    expectOrder("iExecutable", {slotOf(&iExecutable::execute)});
+    using P = iIOCompletionPort;
+    expectOrder("iIOCompletionPort",
+                {slotOf(&P::getStatus), slotOf(&P::terminate), slotOf(&P::attach)});
+}
+
+TEST(Slots, DrawingKeepsOneOrderOfTheEightKinds)
+{
+    using R = iGraphicPrimitivesRenderer;
+    expectOrder("iGraphicPrimitivesRenderer",
+                {slotOf(&R::setClipRegion), slotOf(&R::setAntialiasingEnabled),
+                 renderSlot<RectDescription>(), renderSlot<EllipseDescription>(),
+                 renderSlot<LineDescription>(), renderSlot<TextDescription>(),
+                 renderSlot<AlphaRectDescription>(), renderSlot<BezierCurveDescription>(),
+                 renderSlot<ImageDescription>(), renderSlot<ImageDescriptionEx>()});
+    expectOrder("iPrimitivesProcessor",
+                {processSlot<RectDescription>(), processSlot<EllipseDescription>(),
+                 processSlot<LineDescription>(), processSlot<TextDescription>(),
+                 processSlot<AlphaRectDescription>(), processSlot<BezierCurveDescription>(),
+                 processSlot<ImageDescription>(), processSlot<ImageDescriptionEx>()},
+                0);
+    using H = GraphicPrimitivesList::iPrimitiveDescHolder;
+    expectOrder("iPrimitiveDescHolder", {slotOf(&H::process), slotOf(&H::getBounds)});
+}
+
+TEST(Slots, TheEventHandlersOperations)
+{
+    using E = iEventHandler;
+    expectOrder("iEventHandler",
+                {slotOf(&E::handleMouse), slotOf(&E::handleKey), slotOf(&E::handlePaint),
+                 slotOf(&E::handleWindowEvent), slotOf(&E::handleTimer), slotOf(&E::handleFileDrop),
+                 slotOf(&E::handleUserMessage)});
+}
+
+// Records that cross the boundary keep their layout.
+static_assert(sizeof(Tq::Ptr<iObject>) == 2 * sizeof(void*));
+static_assert(sizeof(LightweightString<wchar_t>) == 2 * sizeof(void*));
+static_assert(sizeof(Tq::InternalRefCount) == 16);
+static_assert(sizeof(XY<int>) == 16 && sizeof(Tq::Rectangle<int>) == 16 &&
+              sizeof(NormalisedRGB) == 24);
+static_assert(sizeof(RectDescription) == 88);
+static_assert(sizeof(iEventHandler::KeyEvent) == 20);
+static_assert(sizeof(iEventHandler::WindowEvent) == 8);

@@ -1,7 +1,7 @@
 #include <OS.h>
 #include <OS/Core/Exception.h>
 #include <OS/Core/iUtils.h>
-#include <OS/Primitives/GraphicPrimitivesList.h>
+#include <OS/Media/iMediaServices.h>
 #include <OS/Shared/iHeap.h>
 #include <OS/Threads/TaskQueue.h>
 #include <OS/Threads/iThreadEvent.h>
@@ -9,8 +9,12 @@
 
 #include <gtest/gtest.h>
 
+#include <clocale>
+#include <cstdio>
 #include <cstring>
 #include <fstream>
+#include <langinfo.h>
+#include <locale.h>
 #include <new>
 #include <string>
 #include <sys/wait.h>
@@ -70,6 +74,23 @@ TEST(Boundary, TheNewHandlerIsAskedBeforeGivingUp)
     void* (*volatile allocate)(std::size_t) = &operator new;
     EXPECT_THROW(allocate(std::size_t(1) << 62), std::bad_alloc);
     EXPECT_EQ(calls, 3);
+}
+
+TEST(Boundary, NumbersKeepTheirPointWhateverTheUsersLocale)
+{
+    const locale_t users = newlocale(LC_NUMERIC_MASK, "", nullptr);
+    ASSERT_NE(users, nullptr);
+    EXPECT_STREQ(nl_langinfo_l(RADIXCHAR, users), ",") << "the test needs a locale with a comma";
+    freelocale(users);
+
+    const auto formatted = [] {
+        char text[16];
+        std::snprintf(text, sizeof text, "%.1f", 1.5);
+        return std::string(text);
+    };
+    EXPECT_EQ(formatted(), "1.5");
+    ASSERT_TRUE(OS()->mediaServices()->createHostSurfaceFont(L"Tahoma", 12, 0)); // makes the toolkit's application
+    EXPECT_EQ(formatted(), "1.5");
 }
 
 TEST(Boundary, ExceptionsOfTheLibraryAreCaughtByTheirType)

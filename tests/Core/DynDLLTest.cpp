@@ -105,7 +105,8 @@ protected:
 
 TEST(DynDLL, LoadsALibraryAndItsFunctions)
 {
-    const std::wstring path(OS_TEST_LIBRARY, OS_TEST_LIBRARY + sizeof OS_TEST_LIBRARY - 1);
+    const std::string text = OS_TEST_LIBRARY;
+    const std::wstring path(text.begin(), text.end());
     const auto library = OS()->fileMgr()->openDLL(path.c_str());
     ASSERT_TRUE(library->valid());
     EXPECT_EQ(library->getFilename(), path.c_str());

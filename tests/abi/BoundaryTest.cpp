@@ -2,7 +2,6 @@
 #include <OS/Core/Exception.h>
 #include <OS/Core/iUtils.h>
 #include <OS/Media/iMediaServices.h>
-#include <OS/Shared/iHeap.h>
 #include <OS/Threads/TaskQueue.h>
 #include <OS/Threads/iThreadEvent.h>
 #include <OS/Threads/iThreadManager.h>
@@ -15,7 +14,6 @@
 #include <fstream>
 #include <langinfo.h>
 #include <locale.h>
-#include <new>
 #include <string>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -26,11 +24,6 @@ namespace {
 iOperatingSystem* const earlyRoot = OS();
 const LightweightString<wchar_t> earlyText = LightweightString<wchar_t>(L"made before ") + L"main";
 
-struct alignas(128) Wide
-{
-    char bytes[256];
-};
-
 } // namespace
 
 TEST(Boundary, TheRootServesStaticConstructors)
@@ -40,40 +33,6 @@ TEST(Boundary, TheRootServesStaticConstructors)
     std::string name;
     std::getline(std::ifstream("/proc/self/task/" + std::to_string(getpid()) + "/comm"), name);
     EXPECT_EQ(name, "Main thread");
-}
-
-TEST(Boundary, TheGlobalOperatorsKeepTheLanguagesRules)
-{
-    // Through pointers, so that the compiler cannot leave the calls out.
-    void* (*volatile allocate)(std::size_t) = &operator new;
-    void* (*volatile tryAllocate)(std::size_t, const std::nothrow_t&) = &operator new;
-    void (*volatile release)(void*) = &operator delete;
-
-    constexpr std::size_t kTooMuch = std::size_t(1) << 62;
-    EXPECT_THROW(allocate(kTooMuch), std::bad_alloc);
-    EXPECT_EQ(tryAllocate(kTooMuch, std::nothrow), nullptr);
-    void* none = allocate(0);
-    EXPECT_NE(none, nullptr);
-    release(none);
-    release(nullptr);
-
-    auto* wide = new Wide;
-    EXPECT_EQ(reinterpret_cast<std::uintptr_t>(wide) % 128, 0u);
-    delete wide;
-    release(OS()->heap()->alloc(10)); // one heap
-    OS()->heap()->deAlloc(allocate(10));
-}
-
-TEST(Boundary, TheNewHandlerIsAskedBeforeGivingUp)
-{
-    static int calls = 0;
-    std::set_new_handler([] {
-        if (++calls == 3)
-            std::set_new_handler(nullptr);
-    });
-    void* (*volatile allocate)(std::size_t) = &operator new;
-    EXPECT_THROW(allocate(std::size_t(1) << 62), std::bad_alloc);
-    EXPECT_EQ(calls, 3);
 }
 
 TEST(Boundary, NumbersKeepTheirPointWhateverTheUsersLocale)
@@ -89,7 +48,8 @@ TEST(Boundary, NumbersKeepTheirPointWhateverTheUsersLocale)
         return std::string(text);
     };
     EXPECT_EQ(formatted(), "1.5");
-    ASSERT_TRUE(OS()->mediaServices()->createHostSurfaceFont(L"Tahoma", 12, 0)); // makes the toolkit's application
+    ASSERT_TRUE(OS()->mediaServices()->createHostSurfaceFont(L"Tahoma", 12,
+                                                             0)); // makes the toolkit's application
     EXPECT_EQ(formatted(), "1.5");
 }
 

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "Drawing/Theme.h"
+#include "Model/Text.h"
+
+#include <OS/Painting/iFont.h>
+#include <OS/Painting/iHostImage.h>
+#include <OS/Primitives/Rectangle.h>
+#include <OS/Windowing/iRootWindow.h>
+
+#include <map>
+
+namespace Vantor {
+
+/// Fonts and blank pictures for one target: a window, which scales by itself, or a host surface,
+/// for which everything is made at its scale.
+class Resources
+{
+public:
+    /// For a host surface of `scale` pixels for each logical one.
+    explicit Resources(double scale) : scale_(scale) {}
+    explicit Resources(Tq::Ptr<iRootWindow> window) : window_(std::move(window)) {}
+
+    /// Target pixels for each logical pixel that a canvas has to draw.
+    double scale() const { return scale_; }
+    Tq::Ptr<iFont> font(const Theme::Type& type);
+    /// A logical length or position in the target's units.
+    int scaled(int length) const;
+    Tq::Rectangle<int> scaled(const Tq::Rectangle<int>& rect) const;
+    /// A picture that covers a logical rectangle; in a window its pixels may be finer still. Null
+    /// for an empty one.
+    Tq::Ptr<iHostImage> blank(const Tq::Rectangle<int>& rect) const;
+
+private:
+    Tq::Ptr<iRootWindow> window_;
+    double scale_ = 1.0;
+    std::map<Theme::Type, Tq::Ptr<iFont>> fonts_;
+};
+
+} // namespace Vantor

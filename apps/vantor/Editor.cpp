@@ -1,0 +1,287 @@
+#include "Editor.h"
+
+#include "Drawing/Scene.h"
+
+#include <OS.h>
+#include <OS/Core/iUtils.h>
+#include <OS/Windowing/iWindowManager.h>
+
+#include <cmath>
+
+namespace Vantor {
+
+namespace {
+
+constexpr unsigned int kPlayTickMs = 10;
+constexpr unsigned int kCaretMs = 530;
+constexpr int kLoadsPerFrame = 4;
+
+const Theme::Type& typeOf(Focus field)
+{
+    return field == Focus::eTitle ? Theme::kProject : Theme::kFact;
+}
+
+iMouseCursor::eStockCursor cursorFor(const EditorState& state)
+{
+    const Area area = state.pressed.area != Area::eNone ? state.pressed.area : state.hover.area;
+    switch (area) {
+    case Area::eTitle:
+    case Area::eFilter:
+        return iMouseCursor::eIBeam;
+    case Area::eClipStart:
+    case Area::eClipEnd:
+    case Area::eBinEdge:
+    case Area::ePlayhead:
+        return iMouseCursor::eSizeHorizontal;
+    case Area::eTimelineEdge:
+        return iMouseCursor::eSizeVertical;
+    default:
+        break;
+    }
+    const bool carries = state.drag.moved && state.drag.kind == Drag::Kind::eMedia;
+    if (carries)
+        return clipToDrop(state, layoutOf(state)).length > 0 ? iMouseCursor::eSizeAll
+                                                             : iMouseCursor::eForbidden;
+    return state.drag.moved && state.drag.kind == Drag::Kind::eClip ? iMouseCursor::eSizeAll
+                                                                    : iMouseCursor::eArrow;
+}
+
+} // namespace
+
+Editor::Editor(EditorState state)
+    : state_(std::move(state)), interaction_(state_, [this](Focus field, const Text& text) {
+          return boundaries(field, text);
+      })
+{
+    useTarget(std::make_unique<Resources>(1.0));
+}
+
+void Editor::useTarget(std::unique_ptr<Resources> resources)
+{
+    resources_ = std::move(resources);
+    icons_ = std::make_unique<Icons>(*resources_);
+    pictures_ = std::make_unique<PictureStore>(*resources_);
+    measuredTitle_.clear();
+}
+
+void Editor::attach(Tq::Ptr<iRootWindow> window)
+{
+    window_ = std::move(window);
+    useTarget(std::make_unique<Resources>(window_));
+    const XY<int> size = window_->getSize();
+    if (size.x > 0 && size.y > 0)
+        interaction_.resize(size);
+    changed();
+}
+
+void Editor::detach()
+{
+    playTimer_.reset();
+    caretTimer_.reset();
+    quitTimer_.reset();
+    useTarget(std::make_unique<Resources>(1.0));
+    window_.reset();
+}
+
+void Editor::quitAfter(int seconds)
+{
+    if (window_)
+        quitTimer_ = window_->createTimer(static_cast<unsigned int>(seconds) * 1000u);
+}
+
+std::vector<int> Editor::boundaries(Focus field, const Text& text)
+{
+    std::vector<int> positions;
+    resources_->font(typeOf(field))->measure(text, positions);
+    return positions;
+}
+
+int titleWidth(const EditorState& state, Resources& resources)
+{
+    const Text& title = state.titleField.text;
+    return static_cast<int>(
+        std::ceil(resources.font(Theme::kProject)->measure(title).x / resources.scale()));
+}
+
+void Editor::measureTitle()
+{
+    if (state_.titleField.text == measuredTitle_)
+        return;
+    measuredTitle_ = state_.titleField.text;
+    state_.choices.titleWidth = titleWidth(state_, *resources_);
+}
+
+iEventHandler::eRC Editor::changed()
+{
+    if (state_.quitting)
+        return eQuit;
+    if (window_) {
+        measureTitle();
+        keepTimers();
+        keepCursor();
+        requestFrame();
+    }
+    return eContinue;
+}
+
+void Editor::keepTimers()
+{
+    if (!state_.player.playing()) {
+        playTimer_.reset();
+    } else if (!playTimer_) {
+        lastTickMs_ = std::llround(OS()->utils()->timeNow());
+        shownMs_.clear();
+        state_.shownRate = 0.0;
+        playTimer_ = window_->createTimer(kPlayTickMs);
+    }
+    if (!state_.editingText())
+        caretTimer_.reset();
+    else if (!caretTimer_)
+        caretTimer_ = window_->createTimer(kCaretMs);
+}
+
+void Editor::keepCursor()
+{
+    const iMouseCursor::eStockCursor wanted = cursorFor(state_);
+    if (wanted == cursor_)
+        return;
+    cursor_ = wanted;
+    iWindowManager* manager = OS()->windowMgr();
+    manager->setMouseCursor(manager->createMouseCursor(wanted));
+}
+
+// Several changes before the next turn of the event loop are drawn as one frame: the first posts a
+// message, which arrives behind the events that are waiting already.
+void Editor::requestFrame()
+{
+    if (frameRequested_ || !window_)
+        return;
+    frameRequested_ = true;
+    window_->postUserMessage();
+}
+
+bool drawFrame(const EditorState& state, Resources& resources, Icons& icons, PictureStore& pictures,
+               const Tq::Ptr<iGraphicPrimitivesRenderer>& renderer, int loads)
+{
+    pictures.allowLoads(loads);
+    Canvas canvas(resources, renderer);
+    Scene scene{canvas, icons, pictures, state, layoutOf(state)};
+    drawEditor(scene);
+    return pictures.wantsMore();
+}
+
+void Editor::draw(const Tq::Ptr<iGraphicPrimitivesRenderer>& renderer)
+{
+    if (renderer && drawFrame(state_, *resources_, *icons_, *pictures_, renderer, kLoadsPerFrame))
+        requestFrame();
+}
+
+iEventHandler::eRC Editor::handleMouse(const MouseEvent& event)
+{
+    switch (event.kind) {
+    case MouseEvent::eLeftDown:
+        interaction_.press(event.position, event.modifiers, event.time);
+        break;
+    case MouseEvent::eLeftUp:
+        interaction_.release(event.position);
+        break;
+    case MouseEvent::eMove:
+        interaction_.move(event.position);
+        break;
+    case MouseEvent::eWheel:
+        interaction_.wheel(event.position, event.wheelDirection, event.modifiers);
+        break;
+    default:
+        return eContinue;
+    }
+    return changed();
+}
+
+iEventHandler::eRC Editor::handleKey(const KeyEvent& event)
+{
+    // The release of a modifier repeats the last key: only presses count.
+    if (!event.pressed)
+        return eContinue;
+    interaction_.key(event.code, event.modifiers);
+    return changed();
+}
+
+iEventHandler::eRC Editor::handlePaint(const PaintEvent&)
+{
+    if (window_)
+        draw(window_->getPrimitivesRenderer(true));
+    return eContinue;
+}
+
+iEventHandler::eRC Editor::handleUserMessage(const UserMessage&)
+{
+    frameRequested_ = false;
+    if (window_)
+        draw(window_->getPrimitivesRenderer(true));
+    return eContinue;
+}
+
+iEventHandler::eRC Editor::handleWindowEvent(const WindowEvent& event)
+{
+    switch (event.kind) {
+    case WindowEvent::eCloseRequested:
+        state_.quitting = true;
+        break;
+    case WindowEvent::eHidden:
+        interaction_.cancelDrag();
+        state_.hover = {};
+        break;
+    case WindowEvent::eResized:
+        if (window_)
+            interaction_.resize(window_->getSize());
+        break;
+    default:
+        break;
+    }
+    return changed();
+}
+
+bool Editor::isTick(const Tq::Ptr<iTimer>& timer, const TimerEvent& event) const
+{
+    return timer && timer->getID() == event.timerID;
+}
+
+void Editor::countFrame(std::int64_t timeMs)
+{
+    shownMs_.push_back(timeMs);
+    while (timeMs - shownMs_.front() > 2000)
+        shownMs_.pop_front();
+    const std::int64_t span = timeMs - shownMs_.front();
+    if (span >= 400)
+        state_.shownRate =
+            static_cast<double>(shownMs_.size() - 1) * 1000.0 / static_cast<double>(span);
+}
+
+iEventHandler::eRC Editor::handleTimer(const TimerEvent& event)
+{
+    if (isTick(quitTimer_, event)) {
+        state_.quitting = true;
+    } else if (isTick(caretTimer_, event)) {
+        state_.caretShown = !state_.caretShown;
+    } else if (isTick(playTimer_, event) || !window_) {
+        const auto elapsed = static_cast<double>(event.time - lastTickMs_);
+        lastTickMs_ = event.time;
+        const bool moved = state_.player.advance(elapsed, state_.project.length);
+        if (!moved && state_.player.playing())
+            return eContinue;
+        state_.view.reveal(state_.player.frame, layoutOf(state_).lanes.width());
+        countFrame(event.time);
+    } else {
+        return eContinue;
+    }
+    return changed();
+}
+
+iEventHandler::eRC Editor::handleFileDrop(const LightweightString<wchar_t>& path)
+{
+    pictures_->forgetMissing();
+    interaction_.dropFile(path);
+    return changed();
+}
+
+} // namespace Vantor

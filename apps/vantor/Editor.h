@@ -1,0 +1,83 @@
+#pragma once
+
+#include "Drawing/Icons.h"
+#include "Drawing/PictureStore.h"
+#include "Drawing/Resources.h"
+#include "View/Interaction.h"
+
+#include <OS/Windowing/iEventHandler.h>
+#include <OS/Windowing/iMouseCursor.h>
+#include <OS/Windowing/iRootWindow.h>
+#include <OS/Windowing/iTimer.h>
+
+#include <deque>
+#include <memory>
+
+namespace Vantor {
+
+/// The editor: receives a window's events, changes the state through Interaction, and draws it.
+///
+/// Works without a window too: events change the state and nothing is drawn. Everything runs on the
+/// thread of the event loop.
+class Editor final : public iEventHandler
+{
+public:
+    explicit Editor(EditorState state);
+
+    const EditorState& state() const { return state_; }
+
+    /// Draws in this window from now on, until detach(). The window keeps the editor, so that the
+    /// two hold each other in between.
+    void attach(Tq::Ptr<iRootWindow> window);
+    void detach();
+    /// Ends the program after a time of running.
+    void quitAfter(int seconds);
+
+    eRC handleMouse(const MouseEvent& event) override;
+    eRC handleKey(const KeyEvent& event) override;
+    eRC handlePaint(const PaintEvent& event) override;
+    eRC handleWindowEvent(const WindowEvent& event) override;
+    eRC handleTimer(const TimerEvent& event) override;
+    eRC handleFileDrop(const LightweightString<wchar_t>& path) override;
+    eRC handleUserMessage(const UserMessage& message) override;
+
+private:
+    void draw(const Tq::Ptr<iGraphicPrimitivesRenderer>& renderer);
+    void requestFrame();
+    /// What every change of the state is followed by. @return whether the program goes on
+    eRC changed();
+    void keepTimers();
+    void keepCursor();
+    void measureTitle();
+    void countFrame(std::int64_t timeMs);
+    std::vector<int> boundaries(Focus field, const Text& text);
+    bool isTick(const Tq::Ptr<iTimer>& timer, const TimerEvent& event) const;
+    void useTarget(std::unique_ptr<Resources> resources);
+
+    EditorState state_;
+    Interaction interaction_;
+    Tq::Ptr<iRootWindow> window_;
+    std::unique_ptr<Resources> resources_;
+    std::unique_ptr<Icons> icons_;
+    std::unique_ptr<PictureStore> pictures_;
+    Text measuredTitle_;
+    bool frameRequested_ = false;
+
+    Tq::Ptr<iTimer> playTimer_;
+    Tq::Ptr<iTimer> caretTimer_;
+    Tq::Ptr<iTimer> quitTimer_;
+    std::int64_t lastTickMs_ = 0;
+    std::deque<std::int64_t> shownMs_; ///< when the frames of the last second were shown
+
+    iMouseCursor::eStockCursor cursor_ = iMouseCursor::eArrow;
+};
+
+/// Draws one frame of a state. @param loads how many picture files may be read for it
+/// @return whether pictures were left out because no more could be read
+bool drawFrame(const EditorState& state, Resources& resources, Icons& icons, PictureStore& pictures,
+               const Tq::Ptr<iGraphicPrimitivesRenderer>& renderer, int loads);
+
+/// The width of the project's title as it stands in the top bar.
+int titleWidth(const EditorState& state, Resources& resources);
+
+} // namespace Vantor

@@ -1,0 +1,95 @@
+#pragma once
+
+#include "Model/Text.h"
+
+#include <array>
+#include <vector>
+
+namespace Vantor {
+
+/// The four tracks, from the top of the timeline down.
+enum class Track : int
+{
+    eTitle = 0,
+    eOverlay = 1,
+    ePicture = 2,
+    eEffect = 3
+};
+constexpr int kTrackCount = 4;
+
+/// A value of an effect at a moment of its clip.
+struct Keyframe
+{
+    int frame = 0;      ///< from the clip's start
+    float value = 0.0f; ///< 0 to 1
+};
+
+/// What an effect clip does to the picture.
+enum class Effect : int
+{
+    eWarm,
+    eFade
+};
+
+/// A stretch of time on one track. Clips of a track never overlap.
+struct Clip
+{
+    Track track = Track::ePicture;
+    int start = 0;  ///< frames from the start of the project
+    int length = 1; ///< frames, at least Project::kShortest
+    Text name;      ///< a picture's file name, a title's words, or an effect's name
+    Effect effect = Effect::eWarm;
+    std::vector<Keyframe> keys; ///< of an effect, in order of time
+
+    int end() const { return start + length; }
+    bool holds(int frame) const { return start <= frame && frame < end(); }
+};
+
+/// Everything that is edited: plain data, copied for undo.
+struct Project
+{
+    static constexpr int kShortest = 5; ///< frames that a clip has at least
+    static constexpr int kNone = -1;
+
+    Text title = L"Untitled";
+    int length = 0; ///< frames; at least the end of the last clip
+    std::vector<Clip> clips;
+
+    /// The index of the clip at a frame of a track, or kNone.
+    int clipAt(Track track, int frame) const;
+    /// The end of the last clip.
+    int contentEnd() const;
+    /// The frames between which a clip can be moved and stretched: its neighbours on the track.
+    struct Room
+    {
+        int from;
+        int to;
+    };
+    Room roomAround(int clip) const;
+
+    /// Moves a clip to where it was asked to go, or to the nearest free place of its track.
+    void move(int clip, int start);
+    /// Moves a clip's first frame; its end stays.
+    void trimStart(int clip, int start);
+    /// Moves a clip's end; its start stays.
+    void trimEnd(int clip, int end);
+    /// Puts a clip where there is room for it at or nearest to its start. @return its index
+    int insert(Clip clip);
+    void remove(int clip);
+
+    /// The next or the previous edge of any clip, or the start or end of the project.
+    int nextEdge(int frame) const;
+    int previousEdge(int frame) const;
+
+private:
+    int nearestStart(Track track, int length, int wanted, int ignored) const;
+};
+
+/// The value of an effect at a frame from its clip's start: smooth between the keys, level outside.
+float valueAt(const Clip& clip, int frame);
+
+/// A project for the pictures of a folder: the sample project where they are the sample's, else the
+/// pictures one after the other.
+Project makeProject(const std::vector<Text>& names, const Text& title);
+
+} // namespace Vantor

@@ -1,0 +1,131 @@
+#pragma once
+
+#include "Model/MediaBin.h"
+#include "Model/Player.h"
+#include "Model/Project.h"
+#include "Model/TextField.h"
+#include "Model/TimeView.h"
+#include "View/Layout.h"
+
+#include <vector>
+
+namespace Vantor {
+
+/// What the pointer can be over.
+enum class Area
+{
+    eNone,
+    eTitle,
+    eFilter,
+    eTile, ///< the index is the item's
+    eBin,
+    eBinEdge,
+    eTimelineEdge,
+    eViewer,
+    eButton, ///< the index is the button's
+    eRuler,
+    ePlayhead,
+    eClip, ///< the index is the clip's; so for its two edges
+    eClipStart,
+    eClipEnd,
+    eLane, ///< the index is the track's
+    eHead
+};
+
+struct Hit
+{
+    Area area = Area::eNone;
+    int index = -1;
+
+    bool is(Area which, int at) const { return area == which && index == at; }
+    friend bool operator==(const Hit&, const Hit&) = default;
+};
+
+/// Where the keyboard goes, in the order of the Tab key.
+enum class Focus : int
+{
+    eTitle,
+    eFilter,
+    eBin,
+    eBackwards,
+    eStop,
+    eForwards,
+    eTimeline
+};
+constexpr int kFocusCount = 7;
+
+/// What is being dragged since the button went down.
+struct Drag
+{
+    enum class Kind
+    {
+        eNone,
+        ePlayhead,
+        eClip,
+        eClipStart,
+        eClipEnd,
+        eMedia,
+        eText,
+        eBinEdge,
+        eTimelineEdge
+    };
+    Kind kind = Kind::eNone;
+    int index = -1;
+    int grab = 0; ///< what lies between the pointer and what it holds, in frames or pixels
+    Point from;   ///< where the button went down
+    bool moved = false;
+    Project before; ///< what undo goes back to
+};
+
+/// Everything that the editor shows and edits: plain data.
+struct EditorState
+{
+    Point size{1280, 720};
+    LayoutChoices choices;
+    Project project;
+    std::vector<Project> undone; ///< what redo goes forward to
+    std::vector<Project> done;   ///< what undo goes back to
+    MediaBin bin;
+    Player player;
+    TimeView view;
+
+    int selectedClip = Project::kNone;
+    Focus focus = Focus::eTimeline;
+    bool focusShown = false; ///< the ring is drawn: the keyboard moved the focus last
+    TextField titleField;
+    TextField filterField;
+    bool caretShown = true;
+
+    Point pointer;
+    bool pointerInside = false;
+    Hit hover;
+    Hit pressed;
+    Drag drag;
+
+    Text message;           ///< for the status line, until the next action
+    double shownRate = 0.0; ///< frames a second drawn while playing
+    bool quitting = false;
+
+    bool editingText() const { return focus == Focus::eTitle || focus == Focus::eFilter; }
+    TextField& activeField() { return focus == Focus::eTitle ? titleField : filterField; }
+    bool canUse(int button) const;
+    int changes() const { return static_cast<int>(done.size()); }
+};
+
+/// A project and its pictures as they are first shown.
+EditorState makeEditorState(MediaBin bin, const Text& title);
+
+Layout layoutOf(const EditorState& state);
+/// What lies at a point.
+Hit hitTest(const EditorState& state, const Layout& layout, const Point& point);
+/// The x at which a field's text begins, such that its caret is in view.
+/// @param edges the x of every boundary between its characters, from 0
+int fieldTextLeft(const Layout& layout, Focus field, std::uint32_t caret,
+                  const std::vector<int>& edges);
+/// The rectangle of a clip on the timeline; it may reach beyond the lanes.
+Rect clipRect(const EditorState& state, const Layout& layout, const Clip& clip);
+/// The clip that letting go of a dragged picture here would make; its length is 0 where it cannot
+/// go.
+Clip clipToDrop(const EditorState& state, const Layout& layout);
+
+} // namespace Vantor

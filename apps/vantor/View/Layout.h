@@ -1,0 +1,68 @@
+#pragma once
+
+#include <OS/Primitives/Rectangle.h>
+
+#include <array>
+
+namespace Vantor {
+
+using Rect = Tq::Rectangle<int>;
+using Point = XY<int>;
+
+/// What the user or the text decides about the layout.
+struct LayoutChoices
+{
+    int binWidth = 0;       ///< 0: chosen by the window's size
+    int timelineHeight = 0; ///< 0: chosen by the window's size
+    int titleWidth = 126;   ///< of the project's title as drawn
+};
+
+/// Where everything is: a pure function of the window's size. Logical pixels.
+///
+/// Holds from kSmallest up; a smaller window shows the top left part of the smallest layout.
+struct Layout
+{
+    static constexpr int kTracks = 4;
+    static constexpr int kButtons = 3;
+    static inline const Point kSmallest{960, 600};
+
+    Point size;
+    Rect topBar;
+    Rect title; ///< of the project, to be clicked and edited
+
+    Rect bin;
+    Rect binHeader;
+    Rect filter;
+    Rect tiles; ///< what the tiles scroll in
+    int columns = 1;
+    int tileWidth = 0;
+    int thumbHeight = 0;
+
+    Rect viewer;
+    Rect viewerHeader;
+    Rect stage; ///< what the picture is fitted into
+    Rect picture;
+    Rect transport;
+    std::array<Rect, kButtons> buttons; ///< backwards, stop, forwards
+
+    Rect timeline;
+    Rect ruler; ///< as wide as the panel
+    Rect lanes; ///< all lanes, and the ruler's ticks above them, lie in its width
+    std::array<Rect, kTracks> heads;
+    std::array<Rect, kTracks> tracks;
+
+    Rect binEdge;      ///< between the bin and the viewer
+    Rect timelineEdge; ///< above the timeline
+    Rect status;
+
+    /// A tile of the bin by its place among the visible ones.
+    Rect tile(int place, int scroll) const;
+    Rect thumb(const Rect& tile) const;
+    /// How far the bin can be scrolled with so many tiles.
+    int scrollRange(int tileCount) const;
+    int rowHeight() const;
+};
+
+Layout makeLayout(const Point& size, const LayoutChoices& choices);
+
+} // namespace Vantor

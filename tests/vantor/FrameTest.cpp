@@ -1,0 +1,345 @@
+#include "Drawing/PictureScaler.h"
+#include "Editor.h"
+#include "FrameWriter.h"
+
+#include <OS.h>
+#include <OS/Core/iUtils.h>
+#include <OS/Media/iMediaServices.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <set>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace Vantor {
+namespace {
+
+namespace fs = std::filesystem;
+
+Text wide(const std::string& text)
+{
+    return OS()->utils()->fromUTF8(text.c_str(), -1);
+}
+
+std::uint32_t pixel(const Tq::Ptr<iHostImage>& image, int x, int y)
+{
+    const Tq::Ptr<iPixelGuard> guard = image->lock();
+    std::uint32_t value = 0;
+    std::memcpy(&value,
+                guard->getPixels() + static_cast<std::ptrdiff_t>(y) * guard->getStride() + x * 4,
+                4);
+    return value;
+}
+
+int colours(const Tq::Ptr<iHostImage>& image)
+{
+    std::set<std::uint32_t> seen;
+    const XY<int> size = image->getSize();
+    for (int y = 0; y < size.y; y += 3)
+        for (int x = 0; x < size.x; x += 3)
+            seen.insert(pixel(image, x, y));
+    return static_cast<int>(seen.size());
+}
+
+/// A folder of its own for each test.
+class FrameTest : public testing::Test
+{
+protected:
+    FrameTest()
+    {
+        folder_ = fs::temp_directory_path() /
+                  ("vantor-" +
+                   std::string(testing::UnitTest::GetInstance()->current_test_info()->name()) +
+                   std::to_string(getpid()));
+        fs::create_directories(folder_);
+    }
+    ~FrameTest() override { fs::remove_all(folder_); }
+
+    struct Outcome
+    {
+        int status;
+        std::string errors;
+    };
+    Outcome run(const std::string& arguments) const
+    {
+        const std::string errors = (folder_ / "errors").string();
+        const int status = std::system(
+            (std::string(VANTOR_PROGRAM) + " " + arguments + " >/dev/null 2>" + errors).c_str());
+        std::ifstream file(errors);
+        std::string text;
+        for (std::string line; std::getline(file, line);)
+            if (line.starts_with("vantor: "))
+                text += line + "\n";
+        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, text};
+    }
+    Tq::Ptr<iHostImage> load(const std::string& name) const
+    {
+        return OS()->mediaServices()->loadImage(wide((folder_ / name).string()));
+    }
+
+    fs::path folder_;
+};
+
+TEST_F(FrameTest, WritesAFrameOfTheRightSizeThatIsNotBlank)
+{
+    static const struct
+    {
+        const char* options;
+        int width, height;
+    } kCases[] = {
+        {"", 1280, 720},
+        {"--size 960x600 --scale 1.25", 1200, 750},
+        {"--size 1280x720 --scale 1.5", 1920, 1080},
+        {"--size 960x600 --scale 2", 1920, 1200},
+    };
+    for (const auto& c : kCases) {
+        const std::string file = (folder_ / "frame.png").string();
+        const Outcome outcome =
+            run(std::string(VANTOR_MEDIA) + " --frame " + file + " " + c.options);
+        ASSERT_EQ(outcome.status, 0) << c.options << outcome.errors;
+        const Tq::Ptr<iHostImage> image = load("frame.png");
+        ASSERT_TRUE(image);
+        EXPECT_EQ(image->getSize(), XY<int>(c.width, c.height)) << c.options;
+        EXPECT_GT(colours(image), 2000) << c.options;
+        // The ground and the top bar's gradient are drawn to the corners.
+        EXPECT_NE(pixel(image, 0, 0) & 0xFFFFFF, 0u);
+        EXPECT_EQ(pixel(image, 0, c.height - 1) >> 24, 255u);
+    }
+}
+
+TEST_F(FrameTest, BadArgumentsEndWithOneLine)
+{
+    static const struct
+    {
+        const char* arguments;
+        int status;
+        const char* says;
+    } kCases[] = {
+        {"--frame", 2, "--frame needs a value"},
+        {"--frame ''", 2, "--frame needs the name"},
+        {"--size 12", 2, "--size takes"},
+        {"--size 100x100", 2, "--size takes"},
+        {"--size 1280x720x", 2, "--size takes"},
+        {"--size 99999999999x720", 2, "--size takes"},
+        {"--scale 3", 2, "--scale takes"},
+        {"--seconds -1", 2, "--seconds takes"},
+        {"--seconds 1s", 2, "--seconds takes"},
+        {"--wrong", 2, "unknown option \"--wrong\""},
+        {"one two", 2, "more than one folder: \"two\""},
+        {"''", 2, "empty"},
+        {"/nowhere/at/all --frame /tmp/never.png", 1, "cannot read the folder \"/nowhere/at/all\""},
+        {VANTOR_MEDIA " --frame /nowhere/frame.png", 1, "cannot write \"/nowhere/frame.png\""},
+        {VANTOR_MEDIA " --frame /tmp/frame.xyz", 1, "cannot write \"/tmp/frame.xyz\""},
+    };
+    for (const auto& c : kCases) {
+        const Outcome outcome = run(c.arguments);
+        EXPECT_EQ(outcome.status, c.status) << c.arguments;
+        EXPECT_NE(outcome.errors.find(c.says), std::string::npos)
+            << c.arguments << ": " << outcome.errors;
+        EXPECT_EQ(std::count(outcome.errors.begin(), outcome.errors.end(), '\n'), 1) << c.arguments;
+    }
+    EXPECT_EQ(run("--help").status, 0);
+    EXPECT_EQ(run("--version").status, 0);
+}
+
+TEST_F(FrameTest, BrokenAndForeignFilesDoNoHarm)
+{
+    std::ofstream(folder_ / "broken.jpg") << "\xFF\xD8\xFF\xE0 not a picture";
+    std::ofstream(folder_ / "broken.png") << "PNG?";
+    std::ofstream(folder_ / "empty.tif");
+    std::ofstream(folder_ / "notes.txt") << "hello";
+    fs::create_directory(folder_ / "folder.png");
+    fs::copy(VANTOR_MEDIA "/dawn.jpg",
+             folder_ /
+                 "a very long name that does not fit under its picture by any means at all.jpg");
+    const Outcome outcome =
+        run("'" + folder_.string() + "' --frame '" + (folder_ / "out.png").string() + "'");
+    EXPECT_EQ(outcome.status, 0) << outcome.errors;
+    EXPECT_TRUE(load("out.png"));
+}
+
+/// A state drawn on a surface of its own.
+Tq::Ptr<iHostImage> drawn(EditorState state, double scale)
+{
+    Resources resources(scale);
+    Icons icons(resources);
+    PictureStore pictures(resources);
+    Tq::Ptr<iHostImage> surface = resources.blank({0, 0, state.size.x, state.size.y});
+    drawFrame(state, resources, icons, pictures, surface->getPrimitivesRenderer(true), 1000);
+    return surface;
+}
+
+bool differ(const Tq::Ptr<iHostImage>& a, const Tq::Ptr<iHostImage>& b)
+{
+    const Tq::Ptr<iPixelGuard> one = a->lock();
+    const Tq::Ptr<iPixelGuard> other = b->lock();
+    const XY<int> size = one->getSize();
+    for (int y = 0; y < size.y; ++y)
+        if (std::memcmp(one->getPixels() + static_cast<std::ptrdiff_t>(y) * one->getStride(),
+                        other->getPixels() + static_cast<std::ptrdiff_t>(y) * other->getStride(),
+                        static_cast<std::size_t>(size.x) * 4) != 0)
+            return true;
+    return false;
+}
+
+EditorState sampleState()
+{
+    MediaBin bin;
+    addFolder(bin, wide(VANTOR_MEDIA));
+    return makeEditorState(bin, Text());
+}
+
+// Every state that a user can bring about is to be seen. VANTOR_TEST_PICTURES names a folder that
+// keeps the pictures for looking at.
+TEST_F(FrameTest, EveryStateIsDrawnDifferently)
+{
+    const struct
+    {
+        const char* name;
+        std::function<void(EditorState&)> change;
+    } states[] = {
+        {"hover-tile",
+         [](EditorState& s) {
+             s.hover = {Area::eTile, 0};
+         }},
+        {"hover-clip",
+         [](EditorState& s) {
+             s.hover = {Area::eClip, 3};
+         }},
+        {"hover-clip-end",
+         [](EditorState& s) {
+             s.hover = {Area::eClipEnd, 3};
+         }},
+        {"hover-title",
+         [](EditorState& s) {
+             s.hover = {Area::eTitle, 0};
+         }},
+        {"hover-ruler",
+         [](EditorState& s) {
+             s.hover = {Area::eRuler, 0};
+         }},
+        {"hover-head",
+         [](EditorState& s) {
+             s.hover = {Area::eHead, 1};
+         }},
+        {"hover-bin-edge",
+         [](EditorState& s) {
+             s.hover = {Area::eBinEdge, 0};
+         }},
+        {"hover-button",
+         [](EditorState& s) {
+             s.hover = {Area::eButton, 2};
+         }},
+        {"pressed-button",
+         [](EditorState& s) {
+             s.hover = s.pressed = {Area::eButton, 2};
+         }},
+        {"disabled-buttons", [](EditorState& s) { s.player.frame = 0; }},
+        {"focus-bin", [](EditorState& s) { s.focus = Focus::eBin, s.focusShown = true; }},
+        {"focus-timeline", [](EditorState& s) { s.focusShown = true; }},
+        {"focus-button", [](EditorState& s) { s.focus = Focus::eStop, s.focusShown = true; }},
+        {"editing-title",
+         [](EditorState& s) { s.focus = Focus::eTitle, s.titleField.selectAll(); }},
+        {"filtered",
+         [](EditorState& s) {
+             s.focus = Focus::eFilter, s.filterField.set(L"r"), s.bin.filter = L"r";
+         }},
+        {"filtered-away", [](EditorState& s) { s.filterField.set(L"xyz"), s.bin.filter = L"xyz"; }},
+        {"empty-bin", [](EditorState& s) { s.bin = {}; }},
+        {"all-empty",
+         [](EditorState& s) {
+             s.bin = {}, s.project = makeProject({}, Text()), s.selectedClip = -1, s.player = {};
+         }},
+        {"missing",
+         [](EditorState& s) {
+             for (MediaItem& item : s.bin.items)
+                 item.path = L"/nowhere/" + item.name;
+         }},
+        {"title-and-fade", [](EditorState& s) { s.player.frame = 200; }},
+        {"overlay", [](EditorState& s) { s.player.frame = 400; }},
+        {"playing",
+         [](EditorState& s) { s.player.speed = 2, s.shownRate = 24.8, s.player.dropped = 3; }},
+        {"reverse", [](EditorState& s) { s.player.speed = -1; }},
+        {"zoomed", [](EditorState& s) { s.view.scale = 12.0, s.view.origin = 130.0; }},
+        {"dragging-media",
+         [](EditorState& s) {
+             s.drag.kind = Drag::Kind::eMedia, s.drag.index = 4, s.drag.moved = true;
+             s.pointer = {600, 590};
+         }},
+        {"long-names",
+         [](EditorState& s) {
+             for (MediaItem& item : s.bin.items)
+                 item.name = L"a very long name of " + item.name;
+             for (Clip& clip : s.project.clips)
+                 clip.name = L"a clip whose name is much longer than the clip itself is wide on "
+                             L"the timeline";
+             s.message = Text(400, L'm');
+         }},
+        {"message",
+         [](EditorState& s) { s.message = L"notes.txt is not a picture that can be loaded"; }},
+    };
+    const char* keep = std::getenv("VANTOR_TEST_PICTURES");
+    const Tq::Ptr<iHostImage> plain = drawn(sampleState(), 1.0);
+    for (const auto& c : states) {
+        EditorState state = sampleState();
+        c.change(state);
+        const Tq::Ptr<iHostImage> image = drawn(state, 1.0);
+        EXPECT_TRUE(differ(image, plain)) << c.name;
+        if (keep)
+            OS()->mediaServices()->saveImage(image,
+                                             wide(std::string(keep) + "/" + c.name + ".png"));
+    }
+}
+
+TEST(PictureScalerTest, AveragesWhenShrinkingAndBlendsWhenGrowing)
+{
+    iMediaServices* media = OS()->mediaServices();
+    const Tq::Ptr<iHostImage> checks = media->createHostSurface({8, 8});
+    {
+        const Tq::Ptr<iPixelGuard> guard = checks->lock();
+        for (int y = 0; y < 8; ++y)
+            for (int x = 0; x < 8; ++x) {
+                const std::uint32_t value = (x + y) % 2 != 0 ? 0xFFFFFFFFu : 0xFF000000u;
+                std::memcpy(guard->getPixels() + y * guard->getStride() + x * 4, &value, 4);
+            }
+    }
+    const Tq::Ptr<iHostImage> small = media->createHostSurface({3, 3});
+    ASSERT_TRUE(scalePicture(checks, {0, 0, 6, 6}, small));
+    for (int i = 0; i < 9; ++i)
+        EXPECT_EQ(pixel(small, i % 3, i / 3), 0xFF808080u) << i;
+
+    const Tq::Ptr<iHostImage> same = media->createHostSurface({8, 8});
+    ASSERT_TRUE(scalePicture(checks, {0, 0, 8, 8}, same));
+    EXPECT_FALSE(differ(same, checks)) << "one to one is exact";
+
+    const Tq::Ptr<iHostImage> large = media->createHostSurface({50, 30});
+    ASSERT_TRUE(scalePicture(checks, {1, 0, 2, 1}, large));
+    EXPECT_EQ(pixel(large, 49, 29), 0xFFFFFFFFu) << "a single pixel fills everything";
+}
+
+TEST(PictureScalerTest, RefusesWhatHasNoPixels)
+{
+    const Tq::Ptr<iHostImage> image = OS()->mediaServices()->createHostSurface({4, 4});
+    EXPECT_FALSE(scalePicture(nullptr, {0, 0, 4, 4}, image));
+    EXPECT_FALSE(scalePicture(image, {0, 0, 4, 4}, nullptr));
+    EXPECT_FALSE(scalePicture(image, {9, 9, 20, 20}, image));
+}
+
+TEST(PictureScalerTest, PartsKeepTheirShape)
+{
+    EXPECT_EQ(partOfShape({1920, 1080}, {100, 100}), (Tq::Rectangle<int>{420, 0, 1500, 1080}));
+    EXPECT_EQ(partOfShape({100, 400}, {200, 100}), (Tq::Rectangle<int>{0, 175, 100, 225}));
+    EXPECT_EQ(fitInto({400, 100}, {10, 10, 210, 210}), (Tq::Rectangle<int>{10, 85, 210, 135}));
+    EXPECT_EQ(partOfShape({0, 0}, {10, 10}), Tq::Rectangle<int>());
+}
+
+} // namespace
+} // namespace Vantor

@@ -13,6 +13,7 @@
 #include "OS/Mac/Media/MediaServices.h"
 #include "OS/Mac/System/SystemInfo.h"
 #include "OS/Mac/Threads/ThreadManager.h"
+#include "OS/Mac/Windowing/QtWindowManager.h"
 #include "OS/Shared/Heap.h"
 
 /// The root object: one of every manager, by value, in the order in which they are constructed.
@@ -30,7 +31,7 @@ public:
     iThreadManager* threadMgr() override { return &threadManager_; }
     iThreadAtomics* threadAtomics() override { return &threadAtomics_; }
     iProcessManager* processMgr() override { return &processManager_; }
-    iWindowManager* windowMgr() override { return nullptr; }
+    iWindowManager* windowMgr() override { return &windowManager_; }
     iSystemInfo* systemInfo() override { return &systemInfo_; }
     iHardwareManager* hardwareMgr() override { return &hardwareManager_; }
     iMediaServices* mediaServices() override { return &mediaServices_; }
@@ -44,6 +45,7 @@ private:
     Utils utils_;
     ThreadManager threadManager_;
     ThreadAtomics threadAtomics_;
+    QtWindowManager windowManager_;
     SystemInfo systemInfo_;
     ProcessManager processManager_;
     Shell shell_;

@@ -61,6 +61,12 @@ bool QtGraphicPrimitivesRenderer::open(QPaintDevice* target)
     return true;
 }
 
+void QtGraphicPrimitivesRenderer::finish()
+{
+    active_ = false;
+    painter_.end();
+}
+
 void QtGraphicPrimitivesRenderer::setAntialiasingEnabled(bool enabled)
 {
     if (enabled == antialias_)

@@ -27,6 +27,10 @@ public:
     QtGraphicPrimitivesRenderer(const QtGraphicPrimitivesRenderer&) = delete;
     QtGraphicPrimitivesRenderer& operator=(const QtGraphicPrimitivesRenderer&) = delete;
 
+    /// Ends the drawing: lets the target go, and every later operation does nothing. For the maker of a
+    /// renderer that others may keep.
+    void finish();
+
     /// A region that is no QtRegion prints the assertion report for "rgnImpl" at
     /// "OS/Mac/QtGraphicPrimitivesRenderer line 496", and the clip stays as it was.
     void setClipRegion(Tq::Ptr<iRegion> region) override;

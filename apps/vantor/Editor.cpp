@@ -185,9 +185,13 @@ iEventHandler::eRC Editor::handleMouse(const MouseEvent& event)
     case MouseEvent::eLeftUp:
         interaction_.release(event.position);
         break;
-    case MouseEvent::eMove:
+    case MouseEvent::eMove: {
+        const Hit before = state_.hover;
         interaction_.move(event.position);
+        if (state_.drag.kind == Drag::Kind::eNone && state_.hover == before)
+            return eContinue;
         break;
+    }
     case MouseEvent::eWheel:
         interaction_.wheel(event.position, event.wheelDirection, event.modifiers);
         break;

@@ -244,7 +244,7 @@ void Canvas::endClip()
 void Canvas::setClip()
 {
     flush();
-    if (clips_.empty() || !OS()->windowMgr())
+    if (clips_.empty())
         renderer_->setClipRegion(nullptr);
     else
         renderer_->setClipRegion(OS()->windowMgr()->createRegion({scaled(clips_.back())}));

@@ -58,7 +58,7 @@ void drawCurve(Scene& scene, const Clip& clip, const Rect& rect)
         const Point& to = points[i];
         const int third = (to.x - from.x) / 3;
         scene.canvas.curve(from, {from.x + third, from.y}, {to.x - third, to.y}, to, Theme::kKey,
-                           1);
+                           2);
     }
     const NormalisedRGB& ground = kLooks[static_cast<std::size_t>(Track::eEffect)].bottom;
     for (const Point& p : points)

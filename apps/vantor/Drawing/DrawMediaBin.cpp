@@ -39,7 +39,7 @@ void drawHeader(Scene& scene, std::size_t visible)
     canvas.picture(scene.icons.get(Icons::Shape::eSearch, icon, Theme::kDim), icon);
     if (state.filterField.text.empty())
         canvas.text(L"Filter", l.filter.left + 22, baselineIn(l.filter, Theme::kFact), Theme::kFact,
-                    Theme::disabled(Theme::kDim, ground));
+                    Theme::mix(ground, Theme::kDim, 0.75f));
     drawFieldText(scene, Focus::eFilter, l.filter, state.filterField, Theme::kFact, Theme::kText,
                   ground);
 }

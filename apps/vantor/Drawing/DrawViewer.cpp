@@ -21,20 +21,22 @@ const Clip* clipUnderPlayhead(const EditorState& state, Track track)
                                    : &state.project.clips[static_cast<std::size_t>(index)];
 }
 
-/// Draws a clip's picture, whole, in the middle of a rectangle.
-void drawClipPicture(Scene& scene, const Clip& clip, const Rect& room, float opacity)
+/// Draws a clip's picture, whole, in the middle of a rectangle. @return whether it is there to be
+/// drawn
+bool drawClipPicture(Scene& scene, const Clip& clip, const Rect& room, float opacity)
 {
     const Text path = scene.pathOf(clip);
     const XY<int> size = path.empty() ? XY<int>() : scene.pictures.sizeOf(path);
     if (path.empty() || scene.pictures.isMissing(path)) {
         drawMissing(scene, room, clip.name + L" is missing");
-        return;
+        return false;
     }
     if (size.x <= 0)
-        return;
+        return true;
     const Rect rect = fitInto(size, room);
     scene.canvas.picture(scene.pictures.scaled(path, rect, PictureStore::Fit::eStretch), rect,
                          opacity);
+    return true;
 }
 
 void drawEffect(Scene& scene, const Clip& clip)
@@ -65,10 +67,10 @@ void drawPicture(Scene& scene)
     const EditorState& state = scene.state;
     scene.canvas.fill(picture, Theme::kBlack);
     scene.canvas.clip(picture);
-    if (const Clip* clip = clipUnderPlayhead(state, Track::ePicture))
-        drawClipPicture(scene, *clip, picture, 1.0f);
-    if (const Clip* clip = clipUnderPlayhead(state, Track::eEffect))
-        drawEffect(scene, *clip);
+    const Clip* shown = clipUnderPlayhead(state, Track::ePicture);
+    const Clip* effect = clipUnderPlayhead(state, Track::eEffect);
+    if (shown && drawClipPicture(scene, *shown, picture, 1.0f) && effect)
+        drawEffect(scene, *effect);
     if (const Clip* clip = clipUnderPlayhead(state, Track::eOverlay)) {
         const int width = picture.width() * 36 / 100;
         const int height = picture.height() * 36 / 100;

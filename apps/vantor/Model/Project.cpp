@@ -95,10 +95,15 @@ void Project::trimEnd(int index, int end)
     length = std::max(length, clip.end());
 }
 
+int Project::freeStart(const Clip& clip) const
+{
+    return nearestStart(clip.track, clip.length, clip.start, kNone);
+}
+
 int Project::insert(Clip clip)
 {
     clip.length = std::max(clip.length, kShortest);
-    clip.start = nearestStart(clip.track, clip.length, clip.start, kNone);
+    clip.start = freeStart(clip);
     length = std::max(length, clip.end());
     clips.push_back(std::move(clip));
     return static_cast<int>(clips.size()) - 1;

@@ -73,6 +73,8 @@ struct Project
     void trimStart(int clip, int start);
     /// Moves a clip's end; its start stays.
     void trimEnd(int clip, int end);
+    /// The free place for a clip that is nearest to its start.
+    int freeStart(const Clip& clip) const;
     /// Puts a clip where there is room for it at or nearest to its start. @return its index
     int insert(Clip clip);
     void remove(int clip);

@@ -164,6 +164,7 @@ Clip clipToDrop(const EditorState& state, const Layout& layout)
             clip.name = state.bin.items[static_cast<std::size_t>(state.drag.index)].name;
             const double at = state.view.frameAt(p.x, layout.lanes.left) - clip.length * 0.25;
             clip.start = std::max(0, static_cast<int>(std::lround(std::min(at, 1e8))));
+            clip.start = state.project.freeStart(clip);
         }
     return clip;
 }

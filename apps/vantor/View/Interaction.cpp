@@ -311,6 +311,7 @@ void Interaction::insertPicture(int item, Track track, int start)
     clip.length = Timecode::fromSeconds(4);
     clip.name = state_.bin.items[static_cast<std::size_t>(item)].name;
     state_.selectedClip = state_.project.insert(clip);
+    state_.view.reveal(state_.project.clips.back().start, layoutOf(state_).lanes.width());
     remember(before);
 }
 

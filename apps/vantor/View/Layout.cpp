@@ -20,7 +20,7 @@ constexpr int kTileLabel = 20;
 constexpr int kTile = 132;
 constexpr int kPadding = 12;
 
-constexpr int kNarrowestBin = 168;
+constexpr int kNarrowestBin = 240;
 constexpr int kNarrowestViewer = 420;
 constexpr int kLowestTimeline = kRuler + Layout::kTracks * (kTrack + kTrackGap) + kMargin;
 constexpr int kHighestTimeline = kRuler + Layout::kTracks * (kTallestTrack + kTrackGap) + kMargin;

@@ -18,3 +18,9 @@ build()
     [ $# -gt 0 ] && targets=(--target "$@")
     cmake --build --preset "$preset" "${targets[@]}" -- --quiet
 }
+
+# The toolkit wants a folder of its own for sockets, and says so when the session has none.
+if [ -z "${XDG_RUNTIME_DIR:-}" ]; then
+    export XDG_RUNTIME_DIR=$root/build/runtime
+    mkdir -p -m 700 "$XDG_RUNTIME_DIR"
+fi

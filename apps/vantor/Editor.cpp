@@ -103,12 +103,18 @@ int titleWidth(const EditorState& state, Resources& resources)
         std::ceil(resources.font(Theme::kProject)->measure(title).x / resources.scale()));
 }
 
-void Editor::measureTitle()
+// The layout needs the width of the title as it is being typed; the window's own follows when it is
+// kept.
+void Editor::keepTitle()
 {
-    if (state_.titleField.text == measuredTitle_)
-        return;
-    measuredTitle_ = state_.titleField.text;
-    state_.choices.titleWidth = titleWidth(state_, *resources_);
+    if (!(state_.titleField.text == measuredTitle_)) {
+        measuredTitle_ = state_.titleField.text;
+        state_.choices.titleWidth = titleWidth(state_, *resources_);
+    }
+    if (!(state_.project.title == windowTitle_)) {
+        windowTitle_ = state_.project.title;
+        window_->setTitle(windowTitle_ + L" \u2013 Vantor");
+    }
 }
 
 iEventHandler::eRC Editor::changed()
@@ -116,7 +122,7 @@ iEventHandler::eRC Editor::changed()
     if (state_.quitting)
         return eQuit;
     if (window_) {
-        measureTitle();
+        keepTitle();
         keepTimers();
         keepCursor();
         requestFrame();

@@ -48,7 +48,7 @@ private:
     eRC changed();
     void keepTimers();
     void keepCursor();
-    void measureTitle();
+    void keepTitle();
     void countFrame(std::int64_t timeMs);
     std::vector<int> boundaries(Focus field, const Text& text);
     bool isTick(const Tq::Ptr<iTimer>& timer, const TimerEvent& event) const;
@@ -61,6 +61,7 @@ private:
     std::unique_ptr<Icons> icons_;
     std::unique_ptr<PictureStore> pictures_;
     Text measuredTitle_;
+    Text windowTitle_;
     bool frameRequested_ = false;
 
     Tq::Ptr<iTimer> playTimer_;

@@ -54,7 +54,6 @@ int runWindow(EditorState state, int seconds)
     args.size = editor->state().size;
     args.position = {80, 60};
     args.titleBar = true;
-    args.title = editor->state().project.title + L" \u2013 Vantor";
     args.eventHandler = editor;
     window->realize(args);
     editor->attach(window);

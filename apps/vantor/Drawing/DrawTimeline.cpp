@@ -44,6 +44,32 @@ void drawGuides(Scene& scene)
                                     Theme::mix(Theme::kDim, Theme::kTick, 0.4f));
 }
 
+/// The playhead shows its time while it moves or is about to be moved.
+bool isLively(const EditorState& state)
+{
+    return state.player.playing() || state.drag.kind == Drag::Kind::ePlayhead ||
+           state.hover.area == Area::ePlayhead;
+}
+
+int playheadX(const Scene& scene)
+{
+    const double x = scene.state.view.xOf(scene.state.player.frame, scene.layout.lanes.left);
+    return static_cast<int>(std::lround(std::clamp(x, -20000.0, 60000.0)));
+}
+
+/// Where the playhead's time stands on the ruler; without an area when it is not shown.
+Rect playheadTag(Scene& scene)
+{
+    const Layout& l = scene.layout;
+    const int x = playheadX(scene);
+    if (!isLively(scene.state) || x < l.lanes.left - 1 || x > l.lanes.right)
+        return {};
+    const int width =
+        scene.canvas.width(Timecode::full(scene.state.player.frame), Theme::kRuler) + 12;
+    const int left = x + 10 + width <= l.lanes.right ? x + 10 : x - 10 - width;
+    return {left, l.ruler.top + 3, left + width, l.ruler.bottom - 4};
+}
+
 } // namespace
 
 void drawTimeline(Scene& scene)
@@ -77,22 +103,26 @@ void drawRuler(Scene& scene)
     canvas.clip(ticks);
 
     const RulerStep step = rulerStep(view.scale, 96);
-    const long last = static_cast<long>(view.frameAt(ticks.right, ticks.left));
+    const int last = static_cast<int>(std::min(view.frameAt(ticks.right, ticks.left), 1e9));
     const int first = static_cast<int>(view.origin) / step.labelled * step.labelled;
-    for (long frame = first; frame <= last; frame += step.plain) {
-        const int x =
-            static_cast<int>(std::lround(view.xOf(static_cast<double>(frame), ticks.left)));
+    const auto xOf = [&](int frame) {
+        return static_cast<int>(std::lround(view.xOf(frame, ticks.left)));
+    };
+    for (int frame = first; frame <= last; frame += step.plain) {
         const bool labelled = frame % step.labelled == 0;
-        canvas.fill({x, labelled ? ticks.top + 6 : ticks.bottom - 5, x + 1, ticks.bottom},
-                    Theme::kTick);
+        canvas.fill(
+            {xOf(frame), labelled ? ticks.top + 6 : ticks.bottom - 5, xOf(frame) + 1, ticks.bottom},
+            Theme::kTick);
     }
-    for (long frame = first; frame <= last; frame += step.labelled) {
-        const int x =
-            static_cast<int>(std::lround(view.xOf(static_cast<double>(frame), ticks.left)));
-        const int at = static_cast<int>(frame);
+    const Rect tag = playheadTag(scene);
+    for (int frame = first; frame <= last; frame += step.labelled) {
         const bool whole = step.labelled % Timecode::kFrameRate == 0;
-        canvas.text(whole ? Timecode::minutes(at) : Timecode::full(at), x + 4, ticks.top + 12,
-                    Theme::kRuler, Theme::kDim);
+        const Text label = whole ? Timecode::minutes(frame) : Timecode::full(frame);
+        const int x = xOf(frame) + 4;
+        const int width = canvas.width(label, Theme::kRuler);
+        // The playhead's own time stands before any label.
+        if (!tag.hasArea() || x + width + 4 < tag.left || x > tag.right + 4)
+            canvas.text(label, x, ticks.top + 11, Theme::kRuler, Theme::kDim);
     }
     canvas.endClip();
 }
@@ -102,24 +132,19 @@ void drawPlayhead(Scene& scene)
     const Layout& l = scene.layout;
     const EditorState& state = scene.state;
     Canvas& canvas = scene.canvas;
-    const int x = static_cast<int>(std::lround(state.view.xOf(state.player.frame, l.lanes.left)));
+    const int x = playheadX(scene);
     if (x < l.lanes.left - 1 || x > l.lanes.right)
         return;
-    const bool lively = state.player.playing() || state.drag.kind == Drag::Kind::ePlayhead ||
-                        state.hover.area == Area::ePlayhead;
     canvas.fill({x - 1, l.ruler.bottom - 1, x + 1, l.lanes.bottom},
-                lively ? Theme::kTime : Theme::mix(Theme::kTime, Theme::kLane, 0.12f));
-    const Rect handle{x - 6, l.ruler.bottom - 12, x + 6, l.ruler.bottom + 2};
+                isLively(state) ? Theme::kTime : Theme::mix(Theme::kTime, Theme::kLane, 0.12f));
+    const Rect handle{x - 6, l.ruler.bottom - 11, x + 6, l.ruler.bottom + 3};
     canvas.picture(scene.icons.get(Icons::Shape::ePlayhead, handle, Theme::kTime), handle);
-    if (!lively)
+    const Rect tag = playheadTag(scene);
+    if (!tag.hasArea())
         return;
-    const Text time = Timecode::full(state.player.frame);
-    const int width = canvas.width(time, Theme::kRuler) + 12;
-    const bool fits = x + 10 + width <= l.lanes.right;
-    const Rect tag = fits ? Rect{x + 10, l.ruler.top + 3, x + 10 + width, l.ruler.bottom - 4}
-                          : Rect{x - 10 - width, l.ruler.top + 3, x - 10, l.ruler.bottom - 4};
     canvas.fill(tag, Theme::kTime);
-    canvas.text(time, tag.left + 6, baselineIn(tag, Theme::kRuler), Theme::kRuler, Theme::kGround);
+    canvas.text(Timecode::full(state.player.frame), tag.left + 6, baselineIn(tag, Theme::kRuler),
+                Theme::kRuler, Theme::kGround);
 }
 
 } // namespace Vantor

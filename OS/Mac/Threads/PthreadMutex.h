@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cerrno>
 #include <pthread.h>
 
 /// Owners of POSIX handles whose every step the caller checks: each operation returns the system's
@@ -41,6 +42,15 @@ public:
     int initialise(const PthreadMutexAttributes& attributes);
     int lock() { return pthread_mutex_lock(&mutex_); }
     int unlock() { return pthread_mutex_unlock(&mutex_); }
+    /// For sequences that go on after a failed lock().
+    ///
+    /// @param lockError what lock() returned
+    /// @return what the system would answer; it is only asked when the calling thread owns the
+    /// mutex
+    int unlockAfter(int lockError)
+    {
+        return lockError == 0 || lockError == EDEADLK ? unlock() : EPERM;
+    }
     int destroy();
     pthread_mutex_t* get() { return &mutex_; }
 

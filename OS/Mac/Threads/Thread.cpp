@@ -150,8 +150,9 @@ bool Thread::waitForCompletion(unsigned int /*timeoutMs*/) const
 {
     if (!shared_->running.load(std::memory_order_acquire))
         return false;
-    // A thread that waits for itself is refused and keeps its handle, to be detached in the end.
-    if (handle_ != 0 && pthread_join(handle_, nullptr) == 0)
+    // A thread cannot wait for itself: it keeps its handle, to be detached in the end.
+    if (handle_ != 0 && !pthread_equal(handle_, pthread_self()) &&
+        pthread_join(handle_, nullptr) == 0)
         handle_ = 0;
     return true;
 }

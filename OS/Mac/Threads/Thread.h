@@ -45,7 +45,7 @@ private:
 
     mutable pthread_t handle_ = 0; // 0 without a thread and once joined
     Tq::Ptr<Shared> shared_;
-    ePriority priority_;
+    [[maybe_unused]] ePriority priority_; // recorded, never read back
     std::map<LightweightString<char>, Tq::Ptr<iObject>> objects_;
     std::atomic<std::uint32_t> id_{0};
 };

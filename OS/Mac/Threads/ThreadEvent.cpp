@@ -39,39 +39,44 @@ ThreadEvent::ThreadEvent(bool manualReset, bool initialState, const char* /*name
 ThreadEvent::~ThreadEvent()
 {
     // Lets a set() that woke the last waiter leave the list first.
-    failed(106, listLock_.lock());
-    failed(107, listLock_.unlock());
+    const int lockError = listLock_.lock();
+    failed(106, lockError);
+    failed(107, listLock_.unlockAfter(lockError));
     failed(108, listLock_.destroy());
 }
 
 void ThreadEvent::addSubscriber(Subscriber* subscriber) const
 {
-    failed(116, listLock_.lock());
+    const int lockError = listLock_.lock();
+    failed(116, lockError);
     if (subscribers_.full())
         throw Tq::Exception::RuntimeError("addSubscriber failed", kPlace,
                                           119); // the list stays locked
     subscribers_.push_back(subscriber);
-    failed(121, listLock_.unlock());
+    failed(121, listLock_.unlockAfter(lockError));
 }
 
 void ThreadEvent::removeSubscriber(Subscriber* subscriber) const
 {
-    failed(126, listLock_.lock());
+    const int lockError = listLock_.lock();
+    failed(126, lockError);
     subscribers_.remove(subscriber);
-    failed(130, listLock_.unlock());
+    failed(130, listLock_.unlockAfter(lockError));
 }
 
 bool ThreadEvent::set()
 {
-    failed(270, stateLock_.lock());
+    const int stateError = stateLock_.lock();
+    failed(270, stateError);
     signalled_.store(true, std::memory_order_relaxed);
-    failed(274, stateLock_.unlock());
+    failed(274, stateLock_.unlockAfter(stateError));
 
-    failed(276, listLock_.lock());
+    const int listError = listLock_.lock();
+    failed(276, listError);
     for (Subscriber* subscriber : subscribers_)
         if (!wake(*subscriber))
             break;
-    failed(321, listLock_.unlock());
+    failed(321, listLock_.unlockAfter(listError));
     return true;
 }
 
@@ -88,9 +93,10 @@ bool ThreadEvent::wake(Subscriber& subscriber) const
 
 void ThreadEvent::reset()
 {
-    failed(328, stateLock_.lock());
+    const int stateError = stateLock_.lock();
+    failed(328, stateError);
     signalled_.store(false, std::memory_order_relaxed);
-    failed(330, stateLock_.unlock());
+    failed(330, stateLock_.unlockAfter(stateError));
 }
 
 unsigned int ThreadEvent::wait(unsigned int timeoutMs) const

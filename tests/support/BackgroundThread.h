@@ -2,9 +2,11 @@
 
 #include <atomic>
 #include <chrono>
+#include <condition_variable>
 #include <fstream>
 #include <future>
 #include <list>
+#include <mutex>
 #include <string>
 #include <thread>
 #include <unistd.h>
@@ -21,6 +23,29 @@ bool waitUntil(Condition condition)
     }
     return true;
 }
+
+/// Opens once, and lets through whoever waits. Unlike a promise it may be destroyed by the thread
+/// that it let through while the one that opened it is still on its way out.
+class Gate
+{
+public:
+    void open()
+    {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        open_ = true;
+        changed_.notify_all();
+    }
+    void wait()
+    {
+        std::unique_lock<std::mutex> lock(mutex_);
+        changed_.wait(lock, [this] { return open_; });
+    }
+
+private:
+    std::mutex mutex_;
+    std::condition_variable changed_;
+    bool open_ = false;
+};
 
 /// Whether a thread of this process sleeps in the kernel, and how often it has gone to sleep so
 /// far.

@@ -12,20 +12,17 @@ bool isLastShare(const GraphicPrimitivesList::iPrimitiveDescHolder& holder)
 
 GraphicPrimitivesList::~GraphicPrimitivesList()
 {
-    for (Entry* entry = first_; entry;) {
-        Entry* next = entry->next;
-        iPrimitiveDescHolder* holder = entry->holder;
-        if (isLastShare(*holder)) {
-            holder->~iPrimitiveDescHolder();
-        } else {
-            // Somebody holds on to it: it takes a share of its memory, and the list's share of it
-            // ends.
-            __atomic_add_fetch(&entry->chunk->owners, 1, __ATOMIC_RELAXED);
-            Tq::Ptr<iPrimitiveDescHolder>::adoptCounted(holder).reset();
+    for (Chunk* chunk = first_; chunk;) {
+        for (Entry* entry = chunk->begin(); entry != chunk->end(); entry = entry->next()) {
+            iPrimitiveDescHolder* holder = entry->holder();
+            if (isLastShare(*holder)) {
+                holder->~iPrimitiveDescHolder();
+            } else {
+                // Somebody holds on to it: it takes a share of its memory, and the list's share of it ends.
+                __atomic_add_fetch(&chunk->owners, 1, __ATOMIC_RELAXED);
+                Tq::Ptr<iPrimitiveDescHolder>::adoptCounted(holder).reset();
+            }
         }
-        entry = next;
-    }
-    for (Chunk* chunk = chunks_; chunk;) {
         Chunk* next = chunk->next;
         Chunk::release(chunk);
         chunk = next;

@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <memory>
 #include <new>
 #include <type_traits>
@@ -93,25 +94,59 @@ public:
     template <class Visitor>
     void forEach(Visitor&& visit) const
     {
-        for (const Entry* entry = first_; entry; entry = entry->next)
-            visit(static_cast<const iPrimitiveDescHolder&>(*entry->holder));
+        for (const Chunk* chunk = first_; chunk; chunk = chunk->next)
+            for (Entry* entry = chunk->begin(); entry != chunk->end(); entry = entry->next())
+                visit(static_cast<const iPrimitiveDescHolder&>(*entry->holder()));
     }
 
     /// Passes every batch to a processor, in the order of recording. The list stays as it is.
     void process(iPrimitivesProcessor& processor) const
     {
-        for (const Entry* entry = first_; entry; entry = entry->next)
-            entry->holder->process(processor);
+        forEach([&](const iPrimitiveDescHolder& batch) { batch.process(processor); });
     }
 
 private:
+    template <class T>
+    static constexpr bool kOwnsNothing =
+        std::is_same_v<T, RectDescription> || std::is_same_v<T, AlphaRectDescription> ||
+        std::is_same_v<T, EllipseDescription> || std::is_same_v<T, LineDescription> ||
+        std::is_same_v<T, BezierCurveDescription>;
+
+    /// All batches are laid out in words.
+    static constexpr std::size_t kWord = 8;
+    static constexpr std::size_t words(std::size_t bytes) { return (bytes + kWord - 1) / kWord; }
+
+    struct Chunk;
+
+    /// What stands before each batch: how to get to the next one, and to the memory that both lie in.
+    struct Entry
+    {
+        std::uint32_t words;   ///< this entry, its batch and the batch's array
+        std::uint32_t atWords; ///< from the chunk's beginning
+
+        Entry* next() { return reinterpret_cast<Entry*>(reinterpret_cast<char*>(this) + words * kWord); }
+        // Every holder begins with this base: its only one that is not virtual.
+        iPrimitiveDescHolder* holder() { return reinterpret_cast<iPrimitiveDescHolder*>(this + 1); }
+        Chunk* chunk()
+        {
+            return reinterpret_cast<Chunk*>(reinterpret_cast<char*>(this) - atWords * kWord);
+        }
+    };
+
     /// A piece of memory that batches are laid into one after another.
     struct Chunk
     {
         Chunk* next;
-        std::size_t size; ///< bytes, this header included
-        std::size_t used;
+        std::size_t sizeWords; ///< this header included
+        std::size_t usedWords;
         int owners; ///< the list, and every batch that outlives it; changed atomically
+
+        char* at(std::size_t word) const
+        {
+            return reinterpret_cast<char*>(const_cast<Chunk*>(this)) + word * kWord;
+        }
+        Entry* begin() const { return reinterpret_cast<Entry*>(at(sizeof(Chunk) / kWord)); }
+        Entry* end() const { return reinterpret_cast<Entry*>(at(usedWords)); }
 
         static void release(Chunk* chunk)
         {
@@ -119,35 +154,15 @@ private:
                 Tq::detail::stringHeap()->deAlloc(chunk);
         }
     };
-    /// What stands before each batch.
-    struct Entry
-    {
-        Entry* next;
-        iPrimitiveDescHolder* holder;
-        Chunk* chunk;
-    };
+    static_assert(sizeof(Entry) == kWord && sizeof(Chunk) % kWord == 0);
 
     static constexpr std::size_t kFirstChunkBytes = 2 * 1024;
     static constexpr std::size_t kLargestChunkBytes = 64 * 1024;
-    static constexpr std::size_t kAlignment = alignof(std::max_align_t) / 2;
 
-    static constexpr std::size_t aligned(std::size_t bytes)
-    {
-        return (bytes + kAlignment - 1) & ~(kAlignment - 1);
-    }
+    void addChunk(std::size_t neededWords);
 
-    Chunk* chunkFor(std::size_t bytes)
-    {
-        if (current_ && current_->size - current_->used >= bytes)
-            return current_;
-        return addChunk(bytes);
-    }
-    Chunk* addChunk(std::size_t bytes);
-
-    Entry* first_ = nullptr;
-    Entry* last_ = nullptr;
-    Chunk* chunks_ = nullptr;  ///< all of them, in no order that matters
-    Chunk* current_ = nullptr; ///< the one with room
+    Chunk* first_ = nullptr;
+    Chunk* last_ = nullptr; ///< the one with room
     std::size_t nextChunkBytes_ = kFirstChunkBytes;
 };
 
@@ -158,50 +173,54 @@ public:
     PrimitiveDescHolder(const PrimitiveDescHolder&) = delete;
     PrimitiveDescHolder& operator=(const PrimitiveDescHolder&) = delete;
 
-    // Qualified, so that no description is destroyed through its virtual table: the type is known.
+    // Descriptions that own nothing just end. The others are destroyed by their known type, not through
+    // their virtual tables.
     ~PrimitiveDescHolder() override
     {
+        if constexpr (kOwnsNothing<T>)
+            return;
         for (unsigned int i = 0; i < count_; ++i)
-            descs_[i].T::~T();
+            descs()[i].T::~T();
     }
 
     void process(iPrimitivesProcessor& processor) const override
     {
-        processor.process(descs_, count_, clipRegion_);
+        processor.process(descs(), count_, clipRegion_);
     }
 
     Tq::Rectangle<int> getBounds() const override
     {
         if (count_ == 0)
             return {};
-        Tq::Rectangle<int> bounds = descs_[0].getBounds();
+        Tq::Rectangle<int> bounds = descs()[0].getBounds();
         for (unsigned int i = 0; i < count_; ++i)
-            bounds = bounds.united(descs_[i].getBounds());
+            bounds = bounds.united(descs()[i].getBounds());
         return bounds;
     }
 
     // Reached when a batch outlives its list: gives back its share of the chunk that it lies in.
     static void operator delete(void* holder)
     {
-        Chunk::release((static_cast<Entry*>(holder) - 1)->chunk);
+        Chunk::release((static_cast<Entry*>(holder) - 1)->chunk());
     }
 
 private:
     friend class GraphicPrimitivesList;
 
-    PrimitiveDescHolder(T* place, const T* descs, unsigned int count,
-                        const Tq::Ptr<iRegion>& clipRegion)
-        : descs_(place), count_(count), clipRegion_(clipRegion)
+    PrimitiveDescHolder(const T* descs, unsigned int count, const Tq::Ptr<iRegion>& clipRegion)
+        : clipRegion_(clipRegion), count_(count)
     {
-        std::uninitialized_copy_n(descs, count, place);
+        std::uninitialized_copy_n(descs, count, this->descs());
         *refCount() = 1; // the list's
     }
     static void* operator new(std::size_t, void* place) noexcept { return place; }
     static void operator delete(void*, void*) noexcept {} // a constructor that threw took nothing
 
-    T* descs_;
-    unsigned int count_;
+    const T* descs() const { return reinterpret_cast<const T*>(this + 1); }
+    T* descs() { return reinterpret_cast<T*>(this + 1); }
+
     Tq::Ptr<iRegion> clipRegion_;
+    unsigned int count_;
 };
 
 template <class T>
@@ -209,35 +228,31 @@ void GraphicPrimitivesList::push_back(const T* descs, unsigned int count,
                                       const Tq::Ptr<iRegion>& clipRegion)
 {
     using Holder = PrimitiveDescHolder<T>;
-    static_assert(alignof(T) <= kAlignment && alignof(Holder) <= kAlignment);
-    constexpr std::size_t kHead = aligned(sizeof(Entry));
-    static_assert(kHead == sizeof(Entry), "a batch finds its entry right before it");
-    constexpr std::size_t kArrayAt = kHead + aligned(sizeof(Holder));
+    static_assert(alignof(T) <= kWord && alignof(Holder) <= kWord && sizeof(Holder) % kWord == 0);
 
-    const std::size_t bytes = kArrayAt + aligned(std::size_t(count) * sizeof(T));
-    Chunk* chunk = chunkFor(bytes);
-    char* place = reinterpret_cast<char*>(chunk) + chunk->used;
-    auto* holder = new (place + kHead)
-        Holder(reinterpret_cast<T*>(place + kArrayAt), descs, count, clipRegion);
-
-    Entry* entry = new (place) Entry{nullptr, holder, chunk};
-    chunk->used += bytes;
-    (last_ ? last_->next : first_) = entry;
-    last_ = entry;
+    const std::size_t needed = words(sizeof(Entry) + sizeof(Holder) + std::size_t(count) * sizeof(T));
+    if (!last_ || last_->sizeWords - last_->usedWords < needed)
+        addChunk(needed);
+    Chunk* chunk = last_;
+    char* place = chunk->at(chunk->usedWords);
+    new (place + sizeof(Entry)) Holder(descs, count, clipRegion);
+    new (place) Entry{static_cast<std::uint32_t>(needed), static_cast<std::uint32_t>(chunk->usedWords)};
+    chunk->usedWords += needed;
 }
 
-inline GraphicPrimitivesList::Chunk* GraphicPrimitivesList::addChunk(std::size_t bytes)
+inline void GraphicPrimitivesList::addChunk(std::size_t neededWords)
 {
-    constexpr std::size_t kHeader = aligned(sizeof(Chunk));
-    const bool alone = bytes > nextChunkBytes_ / 2; // and the chunk with room goes on being filled
-    const std::size_t size = alone ? kHeader + bytes : nextChunkBytes_;
-    void* memory = Tq::detail::stringHeap()->alloc(size);
+    // A long batch brings some room for short ones behind it.
+    constexpr std::size_t kHeader = sizeof(Chunk) / kWord;
+    const std::size_t usual = nextChunkBytes_ / kWord;
+    const std::size_t size = std::max(usual, kHeader + neededWords + usual / 4);
+    if (size > std::numeric_limits<std::uint32_t>::max())
+        throw std::bad_alloc();
+    void* memory = Tq::detail::stringHeap()->alloc(size * kWord);
     if (!memory)
         throw std::bad_alloc();
-    chunks_ = new (memory) Chunk{chunks_, size, kHeader, 1};
-    if (!alone || !current_)
-        current_ = chunks_;
-    if (!alone)
-        nextChunkBytes_ = std::min(nextChunkBytes_ * 2, kLargestChunkBytes);
-    return chunks_;
+    auto* chunk = new (memory) Chunk{nullptr, size, kHeader, 1};
+    (last_ ? last_->next : first_) = chunk;
+    last_ = chunk;
+    nextChunkBytes_ = std::min(nextChunkBytes_ * 2, kLargestChunkBytes);
 }

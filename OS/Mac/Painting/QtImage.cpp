@@ -149,6 +149,8 @@ QImage QtImage::loadWithToolkit(const LightweightString<wchar_t>& path, const ch
         return {};
     QImageReader reader(&device, format);
     reader.setAutoDetectImageFormat(false);
+    if (!reader.canRead()) // of another kind: said without a word of the decoder's
+        return {};
     const QSize size = reader.size();
     if (size.isValid() && !PictureLimits::admits(static_cast<std::uint64_t>(size.width()),
                                                  static_cast<std::uint64_t>(size.height())))

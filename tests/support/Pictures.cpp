@@ -1,5 +1,7 @@
 #include "support/Pictures.h"
 
+#include "OS/Mac/Core/PathText.h"
+
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
@@ -19,7 +21,7 @@ Pictures::~Pictures()
 
 LightweightString<wchar_t> Pictures::wide(const std::string& name) const
 {
-    return LightweightString<wchar_t>(std::filesystem::path(path(name)).wstring().c_str());
+    return OSInternal::pathFromSystem(LightweightString<char>(path(name).c_str()));
 }
 
 void Pictures::write(const std::string& name, const Bytes& bytes) const

@@ -2,8 +2,6 @@
 
 #include "OS/Mac/Application/AppStarter.h"
 
-#include <QObject>
-
 class QCoreApplication;
 class QThread;
 
@@ -12,7 +10,7 @@ class QThread;
 ///
 /// One for each process, never destroyed. Ask for it first on the main thread; it may then be asked
 /// for anywhere.
-class QtApplication : public QObject
+class QtApplication
 {
 public:
     /// The companion object, made by the first call. Every call that finds no Qt application object

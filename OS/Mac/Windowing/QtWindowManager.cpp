@@ -5,6 +5,7 @@
 #include "OS/Mac/OpenGL/Contexts/OpenGLUtils.h"
 #include "OS/Mac/Painting/QtFont.h"
 #include "OS/Mac/Painting/QtRegion.h"
+#include "OS/Mac/Windowing/EventPump.h"
 #include "OS/Mac/Windowing/KeyboardState.h"
 #include "OS/Mac/Windowing/QtMouseCursor.h"
 #include "OS/Mac/Windowing/QtTimer.h"
@@ -146,7 +147,7 @@ void QtWindowManager::despatchPendingEvents()
 {
     // A paint that begins inside a paint would draw into a window that is being drawn.
     if (QCoreApplication::instance() && !QtRootWindow::isAnyPainting())
-        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+        processEventsExceptInput();
 }
 
 int QtWindowManager::startEventLoop()

@@ -2,10 +2,10 @@
 
 #include "OS/Mac/Application/QtApplication.h"
 #include "OS/Mac/Core/QtText.h"
+#include "OS/Mac/Windowing/EventPump.h"
 #include "OS/Mac/Windowing/QtRootWindow.h"
 #include "OS/Mac/Windowing/StatusWindowWidget.h"
 
-#include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QWindow>
 
@@ -19,7 +19,7 @@ void waitUntilExposed(const QPointer<QWidget>& widget)
     waited.start();
     while (widget && widget->windowHandle() && !widget->windowHandle()->isExposed() &&
            waited.elapsed() < kLongestWaitMs)
-        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents, 10);
+        processEventsExceptInput(10);
 }
 
 } // namespace

@@ -65,8 +65,8 @@ TEST(EventRecorderTest, PlaysTheUsersInputUpToAnAnswerThatQuits)
 
 TEST(EventRecorderTest, NamesTheFirstLineThatIsNoEvent)
 {
-    for (const char* bad : {"5 key 0x61", "5 key 0x61 0x0 sideways", "mouse 1 2 3 0x0 0 0x0", "5", "x",
-                            "5 drop", "5 dance 1", "5 paint 1 2 3"}) {
+    for (const char* bad : {"5 key 0x61", "5 key 0x61 0x0 sideways", "mouse 1 2 3 0x0 0 0x0", "5",
+                            "x", "5 drop", "5 dance 1", "5 paint 1 2 3"}) {
         EventPlayer player(std::string("0 window 7\n") + bad + "\n9 message\n");
         EXPECT_EQ(player.error(), std::string("line 2: ") + bad);
         EventRecorder recorder;

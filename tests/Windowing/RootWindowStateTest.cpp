@@ -11,6 +11,7 @@
 #include <QIcon>
 #include <QLabel>
 #include <QWidget>
+#include <cmath>
 #include <cstdlib>
 #include <cstring>
 
@@ -24,7 +25,9 @@ class RootWindowState : public WindowTest
 protected:
     RootWindowState()
     {
-        handler->onPaint = [this](const auto&) { fill({0, 0, 3000, 3000}, NormalisedRGB(0, 0, 1)); };
+        handler->onPaint = [this](const auto&) {
+            fill({0, 0, 3000, 3000}, NormalisedRGB(0, 0, 1));
+        };
     }
 
     // What the window is, in words that are easy to compare.
@@ -43,7 +46,8 @@ protected:
     }
     XY<int> screenSize() const
     {
-        return XY<int>(static_cast<int>(kScreen.x / ratio()), static_cast<int>(kScreen.y / ratio()));
+        return XY<int>(static_cast<int>(std::lround(kScreen.x / ratio())),
+                       static_cast<int>(std::lround(kScreen.y / ratio())));
     }
 };
 
@@ -129,7 +133,8 @@ TEST_F(RootWindowState, OpensMaximisedOrFillsTheScreen)
     } table[] = {
         {"maximised", XY<int>(400, 300), XY<int>(10, 10), true, true, "framed maximised"},
         {"no size", XY<int>(0, 300), XY<int>(10, 10), false, true, "framed maximised"},
-        {"no size and off every screen", XY<int>(), XY<int>(-9000, 9000), false, true, "framed maximised"},
+        {"no size and off every screen", XY<int>(), XY<int>(-9000, 9000), false, true,
+         "framed maximised"},
         {"maximised without a frame", XY<int>(400, 300), XY<int>(), true, false, "filling"},
     };
     for (const auto& one : table) {
@@ -169,7 +174,8 @@ TEST_F(RootWindowState, FillsTheScreenAndComesBackMaximised)
     auto args = usualArgs();
     args.maximised = true;
     open(args);
-    ASSERT_TRUE(waitFor([&] { return window->isMaximised() && window->getSize().x >= screenSize().x - 2; }));
+    ASSERT_TRUE(waitFor(
+        [&] { return window->isMaximised() && window->getSize().x >= screenSize().x - 2; }));
     const XY<int> before = window->getSize();
     for (int round = 0; round < 3; ++round) {
         window->enableTitleBar(false);
@@ -302,14 +308,19 @@ TEST(MonitorsTest, FindsTheScreenOfAPosition)
         XY<int> size;
         bool held;
     } table[] = {
-        {XY<int>(0, 30), XY<int>(1920, 1080), true},      {XY<int>(1919, 1079), XY<int>(1920, 1080), true},
-        {XY<int>(0, 29), XY<int>(1920, 1080), false},     {XY<int>(1920, 500), XY<int>(1920, 1080), false},
-        {XY<int>(-1, 56), XY<int>(1280, 1024), true},     {XY<int>(-1280, 1080), XY<int>(1920, 1080), false},
+        {XY<int>(0, 30), XY<int>(1920, 1080), true},
+        {XY<int>(1919, 1079), XY<int>(1920, 1080), true},
+        {XY<int>(0, 29), XY<int>(1920, 1080), false},
+        {XY<int>(1920, 500), XY<int>(1920, 1080), false},
+        {XY<int>(-1, 56), XY<int>(1280, 1024), true},
+        {XY<int>(-1280, 1080), XY<int>(1920, 1080), false},
         {XY<int>(-1280, 1079), XY<int>(1280, 1024), true},
     };
     for (const auto& one : table) {
-        EXPECT_EQ(Monitors::sizeAt(two, one.position), one.size) << one.position.x << ',' << one.position.y;
-        EXPECT_EQ(Monitors::hold(two, one.position), one.held) << one.position.x << ',' << one.position.y;
+        EXPECT_EQ(Monitors::sizeAt(two, one.position), one.size)
+            << one.position.x << ',' << one.position.y;
+        EXPECT_EQ(Monitors::hold(two, one.position), one.held)
+            << one.position.x << ',' << one.position.y;
     }
     EXPECT_EQ(Monitors::sizeAt({}, XY<int>(1, 1)), XY<int>(0, 0));
     EXPECT_FALSE(Monitors::hold({}, XY<int>(1, 1)));

@@ -60,7 +60,7 @@ QWidget* widgetOf(iRootWindow& window)
 }
 
 const QuittingCase kQuitting[] = {
-    {"mouse", [](iRootWindow&, InputRig& input) { input.moveMouse(300, 300); }},
+    {"mouse", [](iRootWindow&, InputRig& input) { input.moveMouse(500, 400); }},
     {"key", [](iRootWindow&, InputRig& input) { input.tap(kA); }},
     {"paint", [](iRootWindow& window, InputRig&) { widgetOf(window)->update(); }},
     {"timer", [](iRootWindow&, InputRig&) {}},
@@ -83,8 +83,11 @@ TEST_P(Quitting, ClosesEveryWindowAndEndsTheLoopWithZero)
     const QuittingCase& one = GetParam();
     open();
     OtherWindow other;
-    other.setGeometry(800, 500, 100, 100);
+    other.setAttribute(Qt::WA_ShowWithoutActivating);
+    other.setGeometry(400, 400, 100, 100);
     other.show();
+    other.lower();
+    ASSERT_TRUE(waitFor([&] { return other.isVisible() && window->hasFocus(); }));
     int asked = 0;
     handler->answer = [&](const std::string& kind) {
         if (kind != one.kind)
@@ -289,14 +292,17 @@ TEST_F(WindowManager, ACursorIsMadeOfAnImage)
     red.topColour_ = red.bottomColour_ = NormalisedRGB(1, 0, 0);
     image->getPrimitivesRenderer(false)->render(red);
 
-    const auto cursor = manager.createMouseCursor(image, XY<int>(3, 4)).dynamicCast<QtMouseCursor>();
+    const auto cursor =
+        manager.createMouseCursor(image, XY<int>(3, 4)).dynamicCast<QtMouseCursor>();
     ASSERT_TRUE(cursor);
     EXPECT_EQ(cursor->getCursor().hotSpot(), QPoint(3, 4));
     EXPECT_EQ(cursor->getCursor().pixmap().toImage().pixel(8, 6), 0xFFFF0000u);
-    const auto outside = manager.createMouseCursor(image, XY<int>(99, -4)).dynamicCast<QtMouseCursor>();
+    const auto outside =
+        manager.createMouseCursor(image, XY<int>(99, -4)).dynamicCast<QtMouseCursor>();
     EXPECT_EQ(outside->getCursor().hotSpot(), QPoint(15, 0));
     EXPECT_FALSE(manager.createMouseCursor(nullptr, XY<int>()));
-    EXPECT_FALSE(manager.createMouseCursor(window->createCompatibleImage(XY<int>(0, 0)), XY<int>()));
+    EXPECT_FALSE(
+        manager.createMouseCursor(window->createCompatibleImage(XY<int>(0, 0)), XY<int>()));
     manager.setMouseCursor(cursor);
     settle();
 }

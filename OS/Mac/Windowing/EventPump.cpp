@@ -9,7 +9,8 @@ void processEventsExceptInput(int longestMs)
         QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents, longestMs);
     else
         QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
-    // The toolkit has set the input aside, and would look at it with the window system's next event only.
+    // The toolkit has set the input aside, and would look at it with the window system's next event
+    // only.
     if (QAbstractEventDispatcher* dispatcher = QAbstractEventDispatcher::instance())
         dispatcher->wakeUp();
 }

@@ -133,8 +133,10 @@ void StatusWindowWidget::closeEvent(QCloseEvent* event)
 void StatusWindowWidget::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
+    // Whole device pixels, so that the edge is as wide on every side at any scale.
+    const double edge = std::max(std::floor(devicePixelRatioF()), 1.0) / devicePixelRatioF();
     painter.fillRect(rect(), kEdge);
-    painter.fillRect(rect().adjusted(1, 1, -1, -1), kPanel);
+    painter.fillRect(QRectF(rect()).adjusted(edge, edge, -edge, -edge), kPanel);
     paintTexts(painter);
     painter.setRenderHint(QPainter::Antialiasing);
     paintBar(painter);

@@ -176,8 +176,8 @@ TEST_F(RootWindowPainting, EventsThatFloodInWhilePaintingDoNotPaintInsideThePain
             flood.join();
             widget()->update();
             widget()->resize(420, 310);
-            manager.despatchPendingEvents();
-            QCoreApplication::processEvents(); // what a dialog run inside the paint would do
+            for (int i = 0; i < 20; ++i)
+                manager.despatchPendingEvents();
         }
         fill({0, 0, 2000, 2000}, kBlue);
         --depth;
@@ -187,6 +187,27 @@ TEST_F(RootWindowPainting, EventsThatFloodInWhilePaintingDoNotPaintInsideThePain
     ASSERT_TRUE(waitFor([&] { return widget()->width() == 420 && pixelAt(410, 300) == 0x0000FF; }));
     EXPECT_EQ(deepest, 1);
     EXPECT_EQ(capture.text(), "");
+}
+
+TEST_F(RootWindowPainting, ALoopRunInsideThePaintPaintsAfterwards)
+{
+    open();
+    int depth = 0;
+    int deepest = 0;
+    int paints = 0;
+    handler->onPaint = [&](const auto&) {
+        deepest = std::max(deepest, ++depth);
+        if (++paints == 1) {
+            widget()->update();
+            QCoreApplication::processEvents();
+        }
+        fill({0, 0, 2000, 2000}, kRed);
+        --depth;
+    };
+    widget()->update();
+    ASSERT_TRUE(waitFor([&] { return paints == 2; }));
+    EXPECT_EQ(deepest, 1);
+    EXPECT_TRUE(waitForPixel(10, 10, 0xFF0000));
 }
 
 TEST_F(RootWindowPainting, PostsUserMessagesFromAnyThread)

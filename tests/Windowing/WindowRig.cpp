@@ -4,6 +4,7 @@
 
 #include <OS/Primitives/RectDescription.h>
 
+#include <QAbstractEventDispatcher>
 #include <QCoreApplication>
 #include <QGuiApplication>
 #include <QPixmap>
@@ -15,6 +16,14 @@ namespace {
 
 constexpr double kLimitMs = 10'000;
 
+// Woken first: the toolkit can miss that its reader has brought something between two calls.
+void pump()
+{
+    if (QAbstractEventDispatcher* dispatcher = QAbstractEventDispatcher::instance())
+        dispatcher->wakeUp();
+    QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+}
+
 } // namespace
 
 bool waitFor(const std::function<bool()>& condition)
@@ -23,7 +32,7 @@ bool waitFor(const std::function<bool()>& condition)
     while (!condition()) {
         if (waited.elapsedMs() > kLimitMs)
             return false;
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+        pump();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
     return true;
@@ -34,7 +43,7 @@ void settle()
     constexpr double quietMs = 60;
     const Stopwatch waited;
     while (waited.elapsedMs() < quietMs)
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+        pump();
 }
 
 QImage grabScreen()

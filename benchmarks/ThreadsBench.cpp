@@ -3,6 +3,7 @@
 #include "support/PairedRuns.h"
 
 #include <OS.h>
+#include <OS/Threads/CriticalSectionLock.h>
 #include <OS/Threads/TaskQueue.h>
 #include <OS/Threads/iThreadManager.h>
 
@@ -15,6 +16,7 @@
 #include <array>
 #include <atomic>
 #include <condition_variable>
+#include <list>
 #include <memory>
 #include <mutex>
 #include <poll.h>
@@ -79,28 +81,85 @@ void perform(Job job, Counter& counter)
         counter.count();
 }
 
+class CountingItem final : public iExecutable
+{
+public:
+    CountingItem(Job job, Counter& counter) : job_(job), counter_(counter) {}
+    void execute() override { perform(job_, counter_); }
+
+private:
+    Job job_;
+    Counter& counter_;
+};
+
 class OurQueue
 {
 public:
     static constexpr const char* kName = "TaskQueue";
     void post(Job job, Counter& counter)
     {
-        queue_.queue(Tq::Ptr<iExecutable>(new Item(job, counter)));
+        queue_.queue(Tq::Ptr<iExecutable>(new CountingItem(job, counter)));
     }
     void finish() {}
 
 private:
-    class Item final : public iExecutable
-    {
-    public:
-        Item(Job job, Counter& counter) : job_(job), counter_(counter) {}
-        void execute() override { perform(job_, counter_); }
-
-    private:
-        Job job_;
-        Counter& counter_;
-    };
     TaskQueue queue_{"bench"};
+};
+
+// The queue as its description has it: a linked list, and a signal for every item.
+class ListQueue
+{
+public:
+    static constexpr const char* kName = "list, signal each";
+    ListQueue()
+    {
+        iThread::InitArgs args;
+        args.func_ = [](void* self) {
+            static_cast<ListQueue*>(self)->run();
+            return iThread::eExecSucceeded;
+        };
+        args.arg_ = this;
+        worker_ = OS()->threadMgr()->createThread(args);
+    }
+    ~ListQueue()
+    {
+        running_ = false;
+        wakeUp_->set();
+        worker_->waitForCompletion(0);
+    }
+    void post(Job job, Counter& counter)
+    {
+        const Tq::Ptr<iExecutable> item(new CountingItem(job, counter));
+        queueLock_->lock();
+        pending_.push_back(item);
+        queueLock_->unlock();
+        wakeUp_->set();
+    }
+    void finish() {}
+
+private:
+    void run()
+    {
+        while (true) {
+            wakeUp_->wait(iWaitable::kNoTimeOut);
+            if (!running_)
+                return;
+            std::list<Tq::Ptr<iExecutable>> batch;
+            queueLock_->lock();
+            batch.swap(pending_);
+            queueLock_->unlock();
+            const CriticalSectionLock executing(executionLock_);
+            for (const auto& item : batch)
+                item->execute();
+        }
+    }
+
+    Tq::Ptr<iCriticalSection> queueLock_ = OS()->threadMgr()->createCriticalSection(0);
+    Tq::Ptr<iCriticalSection> executionLock_ = OS()->threadMgr()->createCriticalSection(0);
+    Tq::Ptr<iThreadEvent> wakeUp_ = OS()->threadMgr()->createEvent(false, false, nullptr);
+    std::list<Tq::Ptr<iExecutable>> pending_;
+    std::atomic<bool> running_{true};
+    Tq::Ptr<iThread> worker_;
 };
 
 class AsioPool
@@ -234,6 +293,7 @@ void benchQueues()
 {
     setenv("UV_THREADPOOL_SIZE", "1", 1);
     QueueBench<OurQueue> ours;
+    QueueBench<ListQueue> list;
     QueueBench<AsioPool> asio;
     QueueBench<QtPool> qt;
     QueueBench<UvPool> uv;
@@ -242,10 +302,15 @@ void benchQueues()
     Bench::printHeader("Task queues, per task");
     Bench::compare("200,000 tasks",
                    {{OurQueue::kName, [&] { return ours.throughput(); }},
+                    {ListQueue::kName, [&] { return list.throughput(); }},
                     {AsioPool::kName, [&] { return asio.throughput(); }},
                     {QtPool::kName, [&] { return qt.throughput(); }},
                     {UvPool::kName, [&] { return uv.throughput(); }}},
-                   {{peers, 0.75}, {{peers[0]}, 0}, {{peers[1]}, 0}, {{peers[2]}, 0}});
+                   {{peers, 0.75},
+                    {{peers[0]}, 0},
+                    {{peers[1]}, 0},
+                    {{peers[2]}, 0},
+                    {{ListQueue::kName}, 0}});
     Bench::compare("post to run, worker asleep",
                    {{OurQueue::kName, [&] { return ours.latency(); }},
                     {AsioPool::kName, [&] { return asio.latency(); }},

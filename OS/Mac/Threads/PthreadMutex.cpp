@@ -1,18 +1,8 @@
 #include "OS/Mac/Threads/PthreadMutex.h"
 
-#include "OS/Mac/Core/Assertion.h"
-
 #include <stdexcept>
 
 namespace OSInternal {
-
-bool pthreadFailed(const char* place, int line, int error)
-{
-    if (error == 0)
-        return false;
-    reportPthreadFailure(place, line, error);
-    return true;
-}
 
 void throwIfPthreadFailed(const char* place, int line, int error, const char* message)
 {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "OS/Mac/Core/Assertion.h"
+
 #include <cerrno>
 #include <pthread.h>
 
@@ -8,7 +10,13 @@
 namespace OSInternal {
 
 /// Prints the failure line of a pthread call; nothing for 0. @return whether it failed
-bool pthreadFailed(const char* place, int line, int error);
+inline bool pthreadFailed(const char* place, int line, int error)
+{
+    if (error == 0) [[likely]]
+        return false;
+    reportPthreadFailure(place, line, error);
+    return true;
+}
 
 /// As above, then throws std::runtime_error with a text that must be a literal.
 void throwIfPthreadFailed(const char* place, int line, int error, const char* message);

@@ -61,6 +61,13 @@ std::string kernelNameOf(const char* name)
     return text;
 }
 
+// Waits for the end of a thread that nobody can join.
+bool endsByItself(pid_t id)
+{
+    const std::string task = "/proc/self/task/" + std::to_string(id);
+    return waitUntil([&] { return access(task.c_str(), F_OK) != 0; });
+}
+
 class Counted : public iObject
 {
 public:
@@ -183,24 +190,23 @@ TEST(Thread, MayBeReleasedWhileItsBodyRuns)
     thread.reset();
     released.open();
     ASSERT_TRUE(waitUntil([&] { return id != 0; }));
-    const std::string task = "/proc/self/task/" + std::to_string(id);
-    EXPECT_TRUE(waitUntil([&] { return access(task.c_str(), F_OK) != 0; }))
-        << "it must end by itself";
+    EXPECT_TRUE(endsByItself(id));
 }
 
 TEST(Thread, MayReleaseItself)
 {
     Tq::Ptr<iThread> thread;
     Gate stored;
-    Gate ended;
+    std::atomic<pid_t> id{0};
     Body body = [&] {
         stored.wait();
         thread.reset();
-        ended.open();
+        id = gettid();
     };
     thread = start(body);
     stored.open();
-    ended.wait();
+    ASSERT_TRUE(waitUntil([&] { return id != 0; }));
+    EXPECT_TRUE(endsByItself(id));
     EXPECT_FALSE(thread);
 }
 

@@ -14,6 +14,8 @@ using OSInternal::LockRank;
 namespace {
 
 constexpr unsigned int kStartPollMs = 5;
+constexpr std::size_t kKeptItems =
+    65'536; // 1 MiB of pointers; a larger burst's memory is given back
 
 Tq::Ptr<iCriticalSection> makeLock(LockRank rank)
 {
@@ -110,6 +112,8 @@ void TaskQueue::threadFn()
             return;
         runBatch(batch);
         batch.clear();
+        if (batch.capacity() > kKeptItems)
+            batch = Items();
     }
 }
 

@@ -42,7 +42,8 @@ public:
     /// @param initialState whether it is set at first
     /// @param name null makes an event of the caller's own. With a name the process's event of that
     ///             name comes back, made by the first call; later calls' flags are ignored. Named
-    ///             events live until the process ends
+    ///             events live until the process ends, and are not to be asked for while its static
+    ///             objects are being destroyed
     /// @throw std::runtime_error when the system refuses the event's locks, after a line
     virtual Tq::Ptr<iThreadEvent> createEvent(bool manualReset, bool initialState,
                                               const char* name) const = 0;

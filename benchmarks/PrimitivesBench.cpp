@@ -1,5 +1,6 @@
-// Recording, replaying and releasing rectangles: the list against a vector of variants and against one
-// shared virtual object for each primitive. Costs are nanoseconds for each rectangle, all three steps together.
+// Recording, replaying and releasing rectangles: the list against a vector of variants and against
+// one shared virtual object for each primitive. Costs are nanoseconds for each rectangle, all three
+// steps together.
 #include "support/PairedRuns.h"
 
 #include <OS/Primitives/GraphicPrimitivesList.h>
@@ -36,13 +37,20 @@ struct Reader final : GraphicPrimitivesList::iPrimitivesProcessor
     {
         sum += clip ? 1 : 0;
         for (unsigned int i = 0; i < count; ++i)
-            sum += descs[i].rect_.left + descs[i].rect_.bottom + static_cast<int>(descs[i].topColour_.red);
+            sum += descs[i].rect_.left + descs[i].rect_.bottom +
+                   static_cast<int>(descs[i].topColour_.red);
     }
     void process(const EllipseDescription* d, unsigned int n, const Clip&) override { skip(d, n); }
     void process(const LineDescription* d, unsigned int n, const Clip&) override { skip(d, n); }
     void process(const TextDescription* d, unsigned int n, const Clip&) override { skip(d, n); }
-    void process(const AlphaRectDescription* d, unsigned int n, const Clip&) override { skip(d, n); }
-    void process(const BezierCurveDescription* d, unsigned int n, const Clip&) override { skip(d, n); }
+    void process(const AlphaRectDescription* d, unsigned int n, const Clip&) override
+    {
+        skip(d, n);
+    }
+    void process(const BezierCurveDescription* d, unsigned int n, const Clip&) override
+    {
+        skip(d, n);
+    }
     void process(const ImageDescription* d, unsigned int n, const Clip&) override { skip(d, n); }
     void process(const ImageDescriptionEx* d, unsigned int n, const Clip&) override { skip(d, n); }
 
@@ -79,7 +87,10 @@ struct VirtualPrimitive
 };
 struct VirtualRect final : VirtualPrimitive
 {
-    VirtualRect(const RectDescription& desc_, const Tq::Ptr<iRegion>& clip_) : desc(desc_), clip(clip_) {}
+    VirtualRect(const RectDescription& desc_, const Tq::Ptr<iRegion>& clip_)
+        : desc(desc_), clip(clip_)
+    {
+    }
     void draw(long long& sum) const override
     {
         sum += desc.rect_.left + desc.rect_.bottom + static_cast<int>(desc.topColour_.red);
@@ -122,7 +133,8 @@ double listCost(unsigned int run, bool replayOnly)
 
 double variantCost(unsigned int run)
 {
-    const std::vector<PlainRect> rects(run, PlainRect{{1, 2, 11, 12}, {0.5f, 0.25f, 1.0f, 1.0f}, {}});
+    const std::vector<PlainRect> rects(run,
+                                       PlainRect{{1, 2, 11, 12}, {0.5f, 0.25f, 1.0f, 1.0f}, {}});
     long long sum = 0;
     const double cost = Bench::timed(kUnits, [&] {
         for (int l = 0; l < kLists; ++l) {
@@ -134,7 +146,8 @@ double variantCost(unsigned int run)
                 std::visit(
                     [&](const auto& plain) {
                         if constexpr (requires { plain.top; })
-                            sum += plain.rect.left + plain.rect.bottom + static_cast<int>(plain.top.red);
+                            sum += plain.rect.left + plain.rect.bottom +
+                                   static_cast<int>(plain.top.red);
                         else
                             sum += 1;
                     },
@@ -173,7 +186,8 @@ double loopCost(unsigned int run)
         for (int l = 0; l < kLists; ++l)
             for (const auto& array : arrays)
                 for (const RectDescription& desc : array)
-                    sum += desc.rect_.left + desc.rect_.bottom + static_cast<int>(desc.topColour_.red);
+                    sum +=
+                        desc.rect_.left + desc.rect_.bottom + static_cast<int>(desc.topColour_.red);
     });
     Bench::keep(sum);
     return cost;

@@ -434,6 +434,8 @@ TEST(Tiff, BadFilesGiveOneLineAndNoPixelsAndNoMemory)
         pictures.write("size.tif", bytes);
         expectFailure(pictures, "size.tif");
     };
+    withSize(64, 4'000); // strips that are not there
+    withSize(64, 8'000'000);
     withSize(0, 10);
     withSize(10, 0);
     withSize(0xFFFFFFFF, 0xFFFFFFFF);

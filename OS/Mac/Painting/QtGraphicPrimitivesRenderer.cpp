@@ -9,6 +9,7 @@
 #include <QPainterPath>
 #include <QWidget>
 
+#include <cmath>
 #include <utility>
 
 using PainterValues::toQColor;
@@ -57,7 +58,8 @@ bool QtGraphicPrimitivesRenderer::open(QPaintDevice* target)
         return false;
     painter_.setCompositionMode(QPainter::CompositionMode_Source);
     painter_.setRenderHint(QPainter::SmoothPixmapTransform);
-    painter_.setRenderHint(QPainter::Antialiasing, antialias_);
+    const double ratio = target->devicePixelRatioF();
+    wholePixels_ = ratio == std::floor(ratio);
     return true;
 }
 
@@ -69,11 +71,16 @@ void QtGraphicPrimitivesRenderer::finish()
 
 void QtGraphicPrimitivesRenderer::setAntialiasingEnabled(bool enabled)
 {
-    if (enabled == antialias_)
-        return;
     antialias_ = enabled;
-    if (active_)
-        painter_.setRenderHint(QPainter::Antialiasing, antialias_);
+}
+
+// The painter is told when it matters and changed: every switch has it prepare its pen anew.
+void QtGraphicPrimitivesRenderer::soften(bool wanted)
+{
+    if (wanted == softened_)
+        return;
+    softened_ = wanted;
+    painter_.setRenderHint(QPainter::Antialiasing, wanted);
 }
 
 void QtGraphicPrimitivesRenderer::setClipRegion(Tq::Ptr<iRegion> region)
@@ -98,10 +105,17 @@ void QtGraphicPrimitivesRenderer::setClipRegion(Tq::Ptr<iRegion> region)
     painter_.setClipRegion(clip_);
 }
 
+// On whole pixels a softened rectangle is the same one, drawn more slowly.
+void QtGraphicPrimitivesRenderer::softenRectangles()
+{
+    soften(antialias_ && !wholePixels_);
+}
+
 void QtGraphicPrimitivesRenderer::renderMulti(const RectDescription* descs, unsigned int count)
 {
-    if (!active_)
+    if (!active_ || count == 0)
         return;
+    softenRectangles();
     for (const RectDescription* desc = descs; desc != descs + count; ++desc) {
         const QRect area = toQRect(desc->rect_);
         if (desc->topColour_ == desc->bottomColour_) {
@@ -118,8 +132,9 @@ void QtGraphicPrimitivesRenderer::renderMulti(const RectDescription* descs, unsi
 
 void QtGraphicPrimitivesRenderer::renderMulti(const AlphaRectDescription* descs, unsigned int count)
 {
-    if (!active_)
+    if (!active_ || count == 0)
         return;
+    softenRectangles();
     for (const AlphaRectDescription* desc = descs; desc != descs + count; ++desc) {
         switch (desc->blendMode_) {
         case AlphaRectDescription::eBlendOver:
@@ -138,8 +153,9 @@ void QtGraphicPrimitivesRenderer::renderMulti(const AlphaRectDescription* descs,
 
 void QtGraphicPrimitivesRenderer::renderMulti(const EllipseDescription* descs, unsigned int count)
 {
-    if (!active_)
+    if (!active_ || count == 0)
         return;
+    soften(antialias_);
     for (const EllipseDescription* desc = descs; desc != descs + count; ++desc) {
         const bool fill = desc->fillStyle_ == EllipseDescription::eFill ||
                           desc->fillStyle_ == EllipseDescription::eFillAndOutline;
@@ -181,44 +197,37 @@ void QtGraphicPrimitivesRenderer::renderMulti(const LineDescription* descs, unsi
     if (!active_)
         return;
     for (const LineDescription* desc = descs; desc != descs + count; ++desc) {
-        if (desc->lineStyle_ == LineDescription::eDotted)
-            drawDottedLine(*desc);
+        const bool dotted = desc->lineStyle_ == LineDescription::eDotted;
+        soften(antialias_ && !dotted && !isAxisAligned(*desc));
+        if (dotted)
+            setDottedPen(toQColor(desc->colour_));
         else
-            drawSolidLine(*desc);
+            setSolidPen(toQColor(desc->colour_), desc->lineWidth_);
+        painter_.drawLine(placeOf(*desc));
     }
 }
 
-void QtGraphicPrimitivesRenderer::drawDottedLine(const LineDescription& desc)
+void QtGraphicPrimitivesRenderer::setDottedPen(const QColor& colour)
 {
-    QPen pen(toQColor(desc.colour_));
+    QPen pen(colour);
     pen.setDashPattern({1.0, applicationRatio()});
-    painter_.setRenderHint(QPainter::Antialiasing, false);
     painter_.setPen(pen);
-    painter_.drawLine(placeOf(desc));
-    painter_.setRenderHint(QPainter::Antialiasing, antialias_);
 }
 
-void QtGraphicPrimitivesRenderer::drawSolidLine(const LineDescription& desc)
+// Setting a pen costs more than most lines: one that is the same already is kept.
+void QtGraphicPrimitivesRenderer::setSolidPen(const QColor& colour, int width)
 {
-    const QColor colour = toQColor(desc.colour_);
     const QPen& current = painter_.pen();
-    if (current.color() != colour || current.style() != Qt::SolidLine ||
-        current.width() != desc.lineWidth_)
-        painter_.setPen(QPen(colour, desc.lineWidth_));
-    if (antialias_ && isAxisAligned(desc)) {
-        painter_.setRenderHint(QPainter::Antialiasing, false);
-        painter_.drawLine(placeOf(desc));
-        painter_.setRenderHint(QPainter::Antialiasing, true);
-    } else {
-        painter_.drawLine(placeOf(desc));
-    }
+    if (current.style() != Qt::SolidLine || current.width() != width || current.color() != colour)
+        painter_.setPen(QPen(colour, width));
 }
 
 void QtGraphicPrimitivesRenderer::renderMulti(const BezierCurveDescription* descs,
                                               unsigned int count)
 {
-    if (!active_)
+    if (!active_ || count == 0)
         return;
+    soften(antialias_);
     for (const BezierCurveDescription* desc = descs; desc != descs + count; ++desc) {
         QPainterPath path(QPointF(desc->start_.x, desc->start_.y));
         path.cubicTo(desc->control1_.x, desc->control1_.y, desc->control2_.x, desc->control2_.y,

@@ -27,8 +27,8 @@ public:
     QtGraphicPrimitivesRenderer(const QtGraphicPrimitivesRenderer&) = delete;
     QtGraphicPrimitivesRenderer& operator=(const QtGraphicPrimitivesRenderer&) = delete;
 
-    /// Ends the drawing: lets the target go, and every later operation does nothing. For the maker of a
-    /// renderer that others may keep.
+    /// Ends the drawing: lets the target go, and every later operation does nothing. For the maker
+    /// of a renderer that others may keep.
     void finish();
 
     /// A region that is no QtRegion prints the assertion report for "rgnImpl" at
@@ -56,8 +56,10 @@ private:
     void setBlending(bool blend);
     void resetBlending();
 
-    void drawDottedLine(const LineDescription& desc);
-    void drawSolidLine(const LineDescription& desc);
+    void soften(bool wanted);
+    void softenRectangles();
+    void setDottedPen(const QColor& colour);
+    void setSolidPen(const QColor& colour, int width);
 
     void drawHighlight(const TextDescription& desc, const QtFont& font);
     void drawHalo(const TextDescription& desc, const QString& text);
@@ -70,6 +72,8 @@ private:
     Tq::Rectangle<long long> movableArea() const;
 
     bool antialias_ = false;
+    bool softened_ = false;   ///< the painter's present state
+    bool wholePixels_ = true; ///< a pixel of a description is a whole number of the target's
     QWidget* widget_ = nullptr;
     Tq::Ptr<QImage> image_; // goes after the painter
     int scale_ = 1;

@@ -56,6 +56,7 @@ void QtGraphicPrimitivesRenderer::renderMulti(const ImageDescription* descs, uns
 {
     if (!active_)
         return;
+    soften(antialias_);
     for (const ImageDescription* desc = descs; desc != descs + count; ++desc)
         drawImage(*desc);
     resetBlending();

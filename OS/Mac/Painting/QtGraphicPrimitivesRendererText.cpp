@@ -30,21 +30,26 @@ int leadingSpaces(const QString& text)
 
 void QtGraphicPrimitivesRenderer::renderMulti(const TextDescription* descs, unsigned int count)
 {
-    if (!active_)
+    if (!active_ || count == 0)
         return;
+    const QtFont* current = nullptr; // setting a font is dear, and most runs have one
     for (const TextDescription* desc = descs; desc != descs + count; ++desc) {
         const auto* font = dynamic_cast<const QtFont*>(desc->font_.get());
         if (!font || desc->text_.empty())
             continue;
         const QString text = OSInternal::toQString(desc->text_);
-        painter_.setFont(font->font());
+        soften(antialias_);
+        if (font != current)
+            painter_.setFont(font->font());
+        current = font;
         if (desc->highlightStart_ != desc->highlightEnd_)
             drawHighlight(*desc, *font);
         if (desc->textStyle_ == TextDescription::eHalo)
             drawHalo(*desc, text);
         if (desc->textStyle_ == TextDescription::eUnderline)
             drawUnderline(*desc, *font, text);
-        painter_.setPen(toQColor(desc->colour_));
+        soften(antialias_); // the line may have switched it off
+        setSolidPen(toQColor(desc->colour_), 1);
         painter_.drawText(desc->pos_.x, desc->pos_.y, text);
     }
 }
@@ -64,7 +69,7 @@ void QtGraphicPrimitivesRenderer::drawHighlight(const TextDescription& desc, con
 
 void QtGraphicPrimitivesRenderer::drawHalo(const TextDescription& desc, const QString& text)
 {
-    painter_.setPen(toQColor(desc.backColour_));
+    setSolidPen(toQColor(desc.backColour_), 1);
     for (const auto& [dx, dy] : {std::pair(-1, -1), {1, 1}, {-1, 1}, {1, -1}})
         painter_.drawText(desc.pos_.x + dx, desc.pos_.y + dy, text);
 }

@@ -4,6 +4,7 @@
 #include "OS/Mac/Painting/TiffFile.h"
 
 #include <cstdint>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
 
@@ -21,6 +22,24 @@ void swapRedAndBlue(QImage& image)
     }
 }
 
+// Whether every strip or tile begins inside the file. The library fills in zeros for some that do
+// not, so that a few bytes could promise a picture of gigabytes.
+bool holdsItsPicture(TIFF* tiff, std::uint64_t fileBytes)
+{
+    const std::uint32_t count =
+        TIFFIsTiled(tiff) ? TIFFNumberOfTiles(tiff) : TIFFNumberOfStrips(tiff);
+    for (std::uint32_t i = 0; i < count; ++i)
+        if (TIFFGetStrileByteCount(tiff, i) == 0 || TIFFGetStrileOffset(tiff, i) >= fileBytes)
+            return false;
+    return count > 0;
+}
+
+std::uint64_t sizeOf(int descriptor)
+{
+    struct stat status = {};
+    return fstat(descriptor, &status) == 0 ? static_cast<std::uint64_t>(status.st_size) : 0;
+}
+
 } // namespace
 
 TiffReader::~TiffReader()
@@ -31,6 +50,7 @@ TiffReader::~TiffReader()
 
 QImage TiffReader::read()
 {
+    const std::uint64_t fileBytes = sizeOf(descriptor_);
     // Not mapped: a mapped file that somebody shortens would end the process.
     const TiffFile::Handle tiff = TiffFile::open(std::exchange(descriptor_, -1), "rm");
     if (!tiff)
@@ -40,15 +60,17 @@ QImage TiffReader::read()
     TIFFGetField(tiff.get(), TIFFTAG_IMAGEWIDTH, &width);
     TIFFGetField(tiff.get(), TIFFTAG_IMAGELENGTH, &height);
     char reason[1024];
-    if (!PictureLimits::admits(width, height) || !TIFFRGBAImageOK(tiff.get(), reason))
+    if (!PictureLimits::admits(width, height) || !TIFFRGBAImageOK(tiff.get(), reason) ||
+        !holdsItsPicture(tiff.get(), fileBytes))
         return {};
 
     QImage image = PictureLimits::allocate(static_cast<int>(width), static_cast<int>(height),
                                            QImage::Format_ARGB32);
-    // A failure may leave the picture untouched: no pixels then, rather than an empty picture.
+    // Stops at the first strip that cannot be decoded: nobody is shown half a picture.
+    constexpr int kStopOnError = 1;
     if (image.isNull() || !TIFFReadRGBAImageOriented(tiff.get(), width, height,
                                                      reinterpret_cast<std::uint32_t*>(image.bits()),
-                                                     ORIENTATION_TOPLEFT, 0))
+                                                     ORIENTATION_TOPLEFT, kStopOnError))
         return {};
     swapRedAndBlue(image);
     return image;

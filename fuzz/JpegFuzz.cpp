@@ -3,14 +3,18 @@
 
 #include <cstdint>
 #include <cstdlib>
+#include <sys/mman.h>
+#include <unistd.h>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    if (size == 0)
+    const int descriptor = memfd_create("jpeg", MFD_CLOEXEC);
+    if (descriptor < 0 || write(descriptor, data, size) != static_cast<ssize_t>(size)) {
+        close(descriptor);
         return 0;
-    std::FILE* file = fmemopen(const_cast<std::uint8_t*>(data), size, "rb");
-    if (!file)
-        return 0;
+    }
+    lseek(descriptor, 0, SEEK_SET);
+    std::FILE* file = fdopen(descriptor, "rb");
     const QImage image = JpegReader(file).read();
     std::fclose(file);
     QRgb opaque = 0xFFFFFFFF;

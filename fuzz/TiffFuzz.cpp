@@ -14,11 +14,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     lseek(file, 0, SEEK_SET);
     const QImage image = TiffReader(file).read();
-    volatile QRgb sum = 0; // every pixel can be read
-    for (int y = 0; y < image.height(); ++y) {
-        const auto* row = reinterpret_cast<const QRgb*>(image.constScanLine(y));
-        for (int x = 0; x < image.width(); ++x)
-            sum = sum + row[x];
-    }
+    volatile QRgb sum = 0; // every row can be read
+    for (int y = 0; y < image.height(); ++y)
+        sum = sum + image.pixel(0, y) + image.pixel(image.width() - 1, y);
     return 0;
 }

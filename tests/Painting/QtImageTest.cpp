@@ -294,6 +294,12 @@ TEST(Jpeg, AHugeHeaderCostsNoMemory)
     pictures.write("huge.jpg", bytes);
     const long before = peakBytes();
     expectBrokenJpeg(pictures, "huge.jpg");
+    const auto height =
+        bytes.begin() + static_cast<std::ptrdiff_t>(frame) + 5; // now 16,384 x 16,384
+    height[0] = height[2] = 0x40;
+    height[1] = height[3] = 0;
+    pictures.write("huge.jpg", bytes);
+    expectBrokenJpeg(pictures, "huge.jpg");
     EXPECT_LT(peakBytes() - before, 50L * 1024 * 1024);
 }
 

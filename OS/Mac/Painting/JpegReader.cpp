@@ -88,7 +88,9 @@ bool JpegReader::start()
     info_.mem->max_memory_to_use = kWorkingMemoryBytes;
     jpeg_stdio_src(&info_, file_);
     jpeg_read_header(&info_, TRUE);
-    if (!PictureLimits::admits(info_.image_width, info_.image_height))
+    if (!PictureLimits::admits(info_.image_width, info_.image_height) ||
+        !PictureLimits::plausible(info_.image_width, info_.image_height,
+                                  PictureLimits::fileBytes(fileno(file_))))
         return false;
     limitEffort();
     chooseOutput();

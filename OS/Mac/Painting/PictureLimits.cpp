@@ -1,6 +1,7 @@
 #include "OS/Mac/Painting/PictureLimits.h"
 
 #include <cstdlib>
+#include <sys/stat.h>
 
 QImage PictureLimits::allocate(int width, int height, QImage::Format format)
 {
@@ -16,4 +17,10 @@ QImage PictureLimits::allocate(int width, int height, QImage::Format format)
     if (image.isNull())
         std::free(pixels);
     return image;
+}
+
+std::uint64_t PictureLimits::fileBytes(int descriptor)
+{
+    struct stat status = {};
+    return fstat(descriptor, &status) == 0 ? static_cast<std::uint64_t>(status.st_size) : 0;
 }

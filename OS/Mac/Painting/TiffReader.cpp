@@ -4,7 +4,6 @@
 #include "OS/Mac/Painting/TiffFile.h"
 
 #include <cstdint>
-#include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
 
@@ -34,12 +33,6 @@ bool holdsItsPicture(TIFF* tiff, std::uint64_t fileBytes)
     return count > 0;
 }
 
-std::uint64_t sizeOf(int descriptor)
-{
-    struct stat status = {};
-    return fstat(descriptor, &status) == 0 ? static_cast<std::uint64_t>(status.st_size) : 0;
-}
-
 } // namespace
 
 TiffReader::~TiffReader()
@@ -50,7 +43,7 @@ TiffReader::~TiffReader()
 
 QImage TiffReader::read()
 {
-    const std::uint64_t fileBytes = sizeOf(descriptor_);
+    const std::uint64_t fileBytes = PictureLimits::fileBytes(descriptor_);
     // Not mapped: a mapped file that somebody shortens would end the process.
     const TiffFile::Handle tiff = TiffFile::open(std::exchange(descriptor_, -1), "rm");
     if (!tiff)
@@ -60,8 +53,9 @@ QImage TiffReader::read()
     TIFFGetField(tiff.get(), TIFFTAG_IMAGEWIDTH, &width);
     TIFFGetField(tiff.get(), TIFFTAG_IMAGELENGTH, &height);
     char reason[1024];
-    if (!PictureLimits::admits(width, height) || !TIFFRGBAImageOK(tiff.get(), reason) ||
-        !holdsItsPicture(tiff.get(), fileBytes))
+    if (!PictureLimits::admits(width, height) ||
+        !PictureLimits::plausible(width, height, fileBytes) ||
+        !TIFFRGBAImageOK(tiff.get(), reason) || !holdsItsPicture(tiff.get(), fileBytes))
         return {};
 
     QImage image = PictureLimits::allocate(static_cast<int>(width), static_cast<int>(height),

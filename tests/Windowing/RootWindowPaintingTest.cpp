@@ -260,6 +260,23 @@ TEST_F(RootWindowPainting, AWindowReleasedInOneOfItsEventsGoesAfterIt)
     EXPECT_TRUE(waitFor([&] { return gone.isNull(); }));
 }
 
+TEST_F(RootWindowPainting, AWindowMayBeRealisedAnewInOneOfItsEvents)
+{
+    open();
+    const QPointer<QWidget> old(widget());
+    handler->answer = [&](const std::string& kind) {
+        if (kind == "message") {
+            auto args = usualArgs();
+            args.eventHandler = events;
+            window->realize(args);
+        }
+        return iEventHandler::eContinue;
+    };
+    window->postUserMessage();
+    ASSERT_TRUE(waitFor([&] { return old.isNull(); }));
+    EXPECT_TRUE(waitForPixel(10, 10, 0x0000FF));
+}
+
 TEST_F(RootWindowPainting, HasNoPixelsToLock)
 {
     open();

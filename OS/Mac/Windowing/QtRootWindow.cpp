@@ -32,10 +32,19 @@ QtRootWindow::~QtRootWindow()
 {
     auto& windows = rootWindows();
     windows.erase(std::remove(windows.begin(), windows.end(), this), windows.end());
-    if (QtRootWindowWidget* mine = widget()) {
-        mine->setEventHandler(nullptr);
-        if (mine->isInEvent())
-            destroyWidgetLater();
+    spareWidgetInEvent();
+}
+
+// The handler may let the window go, or realise it anew, inside one of its events.
+void QtRootWindow::spareWidgetInEvent()
+{
+    QtRootWindowWidget* mine = widget();
+    if (!mine)
+        return;
+    mine->setEventHandler(nullptr);
+    if (mine->isInEvent()) {
+        mine->hide();
+        destroyWidgetLater();
     }
 }
 
@@ -69,6 +78,7 @@ QWidget* QtRootWindow::latestWidget()
 
 bool QtRootWindow::realize(const InitArgs& args)
 {
+    spareWidgetInEvent();
     auto* mine = new QtRootWindowWidget;
     setWidget(mine);
     setEventHandler(args.eventHandler);

@@ -55,6 +55,7 @@ public:
 
 private:
     QtRootWindowWidget* widget() const;
+    void spareWidgetInEvent();
     bool choosePlace(const InitArgs& args);
     void applyShape(const Tq::Ptr<iRegion>& shape);
 

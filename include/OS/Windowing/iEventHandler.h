@@ -95,7 +95,8 @@ public:
     virtual eRC handlePaint(const PaintEvent& event) = 0;
     virtual eRC handleWindowEvent(const WindowEvent& event) = 0;
     virtual eRC handleTimer(const TimerEvent& event) = 0;
-    /// Called once for each local file dropped on the window.
+    /// Called once for each local file dropped on the window, until one answers eQuit. Other URLs
+    /// are skipped.
     virtual eRC handleFileDrop(const LightweightString<wchar_t>& path) = 0;
     virtual eRC handleUserMessage(const UserMessage& message) = 0;
 };

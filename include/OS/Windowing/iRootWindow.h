@@ -41,7 +41,8 @@ public:
 
     ~iRootWindow() override = default;
 
-    /// Makes the window. The handler gets WindowEvent::eCreated before this returns.
+    /// Makes the window, in place of the one it made before. The handler gets WindowEvent::eCreated
+    /// before this returns; eQuit as an answer ends the event loop that is started next.
     /// @return always true
     virtual bool realize(const InitArgs& args) = 0;
     virtual void setEventHandler(Tq::Ptr<iEventHandler> handler) = 0;
@@ -55,7 +56,8 @@ public:
     /// False exactly while the window fills the screen.
     virtual bool isTitleBarEnabled() const = 0;
     /// false fills the screen without a frame; true goes back to what was before, maximised or
-    /// normal.
+    /// normal. The window stays on the screen meanwhile; the window manager carries it out in its
+    /// own time.
     virtual void enableTitleBar(bool enabled) = 0;
     virtual bool isMinimised() const = 0;
     virtual bool isMaximised() const = 0;
@@ -79,19 +81,25 @@ public:
     /// @param flags iFont::eStyle bits
     virtual Tq::Ptr<iFont> createFont(const LightweightString<wchar_t>& name, unsigned int size,
                                       unsigned int weight, unsigned int flags) const = 0;
-    /// A timer whose ticks go to the window's handler of that moment.
+    /// A timer whose ticks go to the handler that the window has now.
     virtual Tq::Ptr<iTimer> createTimer(unsigned int intervalMs) = 0;
 
     /// What to draw on the window with.
     ///
     /// Inside handlePaint it draws straight into the window. At any other time it records;
     /// releasing it queues the recording, and the next paint draws the queue, in order, instead of
-    /// asking the handler: deliberate, queued drawing is that paint. Null before realize.
+    /// asking the handler: deliberate, queued drawing is that paint. Drawing adds to what is
+    /// there; only where the window's contents were lost (its first paint, a new size) does another
+    /// paint follow, which asks the handler. While the window cannot be seen, 4096 recordings wait;
+    /// with the next one all are dropped, and the handler paints when the window comes back. A
+    /// renderer kept after handlePaint draws nothing; a recording one must be released before the
+    /// window goes. Null before realize.
     virtual Tq::Ptr<iGraphicPrimitivesRenderer> getPrimitivesRenderer(bool antialias) = 0;
 
     /// Sends the handler a user message through the event loop. From any thread.
     virtual void postUserMessage() = 0;
-    /// Keeps a child widget alive until the next paint has been drawn, then destroys it.
+    /// Keeps a child widget alive until the next paint has been drawn; lets go of it then, or with
+    /// the window.
     virtual void queueSubWindowForDeletion(Tq::Ptr<QWidget> window) = 0;
 
     /// Direct access to the window's pixels is not to be had: prints the assertion report for

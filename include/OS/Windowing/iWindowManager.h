@@ -70,12 +70,14 @@ public:
     /// In logical pixels of the desktop.
     virtual XY<int> getMousePosition() = 0;
     /// Handles what the window system has sent, once, except keys and the mouse, which wait for the
-    /// loop.
+    /// loop. Does nothing inside handlePaint: a paint must not begin inside a paint.
     virtual void despatchPendingEvents() = 0;
-    /// Runs the event loop until a handler quits. @return its exit code, 0 when a handler quit
+    /// Runs the event loop until a handler quits, in any of its operations, from realize on: every
+    /// top-level window is closed then. @return its exit code, 0 when a handler quit
     virtual int startEventLoop() = 0;
-    /// Releases what must go before the Qt application does: call it after the loop. Nothing of the
-    /// library's windows may be used afterwards.
+    /// Releases what must go before the Qt application does, the root window and the cursor among
+    /// it: call it after the loop. Nothing of the library's windows may be used afterwards. A
+    /// second call does nothing.
     virtual void shutdown() = 0;
 
     virtual void init() = 0;      ///< does nothing

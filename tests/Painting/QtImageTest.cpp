@@ -186,6 +186,14 @@ TEST(QtImage, FilesThatAreNoPicturesGiveOneLineAndNoPixels)
     for (const char* name :
          {"absent.png", "absent.jpg", "absent.tif", "text.gif", "text", ".png", "a/b.png/c"})
         expectFailure(pictures, name);
+    QImage(40, 40, QImage::Format_RGB32).save(QString::fromStdString(pictures.path("whole.png")));
+    const Bytes whole = pictures.read("whole.png");
+    for (const std::size_t length :
+         {whole.size() - 1, whole.size() - 12, whole.size() / 2, std::size_t(12)}) {
+        pictures.write("cut.png",
+                       Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(length)));
+        expectFailure(pictures, "cut.png");
+    }
     pictures.write("jpeg-inside.png", Pictures::jpeg(8, 8, 3, JCS_RGB, gradient(8, 8, 3)));
     expectFailure(pictures, "jpeg-inside.png");
     // A header of 40000 x 40000 pixels and nothing behind it.

@@ -4,6 +4,7 @@
 #include "OS/Mac/Core/PathText.h"
 #include "OS/Mac/Painting/JpegReader.h"
 #include "OS/Mac/Painting/PictureLimits.h"
+#include "OS/Mac/Painting/PngStructure.h"
 #include "OS/Mac/Painting/QtGraphicPrimitivesRenderer.h"
 #include "OS/Mac/Painting/QtImageLock.h"
 #include "OS/Mac/Painting/TiffReader.h"
@@ -144,8 +145,10 @@ QImage QtImage::loadWithToolkit(const LightweightString<wchar_t>& path, const ch
 {
     // Opened here: the toolkit would translate the name into the locale's bytes.
     const FileHandle file = openForReading(path);
+    if (!file || (std::string_view(format) == "png" && !isWholePng(file.get())))
+        return {};
     QFile device;
-    if (!file || !device.open(file.get(), QIODevice::ReadOnly))
+    if (!device.open(file.get(), QIODevice::ReadOnly))
         return {};
     QImageReader reader(&device, format);
     reader.setAutoDetectImageFormat(false);

@@ -17,6 +17,7 @@
 #include <QWheelEvent>
 #include <QWidget>
 #include <algorithm>
+#include <functional>
 
 namespace {
 
@@ -55,6 +56,9 @@ class Source final : public QWidget
 public:
     explicit Source(QList<QUrl> urls) : urls_(std::move(urls)) { setGeometry(700, 150, 200, 100); }
 
+    /// Called when the drag is about to begin.
+    std::function<void()> beforeDrag;
+
 protected:
     void mousePressEvent(QMouseEvent*) override
     {
@@ -62,6 +66,8 @@ protected:
         auto* files = new QMimeData;
         files->setUrls(urls_);
         drag->setMimeData(files);
+        if (beforeDrag)
+            beforeDrag();
         drag->exec(Qt::CopyAction | Qt::MoveAction);
     }
 
@@ -224,7 +230,7 @@ TEST_F(MouseEvents, DroppedFilesArriveOneByOne)
         else if (++step == steps + 20)
             input.releaseButton(kLeft);
     };
-    mover.startTimer(15);
+    source.beforeDrag = [&] { mover.startTimer(15); };
     input.pressButton(kLeft);
     EXPECT_EQ(waitForLines("drop", 4),
               (Lines{"drop /tmp/a%20b.txt", "drop /tmp/%E4bytes.png", "drop /tmp/here.png",

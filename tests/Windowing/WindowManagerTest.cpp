@@ -60,7 +60,11 @@ QWidget* widgetOf(iRootWindow& window)
 }
 
 const QuittingCase kQuitting[] = {
-    {"mouse", [](iRootWindow&, InputRig& input) { input.moveMouse(500, 400); }},
+    {"mouse",
+     [](iRootWindow&, InputRig& input) {
+         input.moveMouse(450, 350);
+         input.click(1);
+     }},
     {"key", [](iRootWindow&, InputRig& input) { input.tap(kA); }},
     {"paint", [](iRootWindow& window, InputRig&) { widgetOf(window)->update(); }},
     {"timer", [](iRootWindow&, InputRig&) {}},

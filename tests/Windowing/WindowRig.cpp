@@ -2,6 +2,8 @@
 
 #include "support/Stopwatch.h"
 
+#include "OS/Mac/Application/QtApplication.h"
+
 #include <OS/Primitives/RectDescription.h>
 
 #include <QAbstractEventDispatcher>
@@ -53,6 +55,7 @@ QImage grabScreen()
 
 WindowTest::WindowTest() : handler(new ScriptedHandler), events(new EventRecorder(handler))
 {
+    QtApplication::instance(); // tests may make widgets of their own first
     input.setLayout("us");
     input.moveMouse(5, 5);
 }

@@ -181,7 +181,13 @@ public:
     int compare(View other) const noexcept { return compareChars(view(), other); }
     int compare(const LightweightString& other) const noexcept
     {
-        return compareChars(view(), other.view());
+        const Impl* mine = impl_.get();
+        const Impl* theirs = other.impl_.get();
+        if (mine == theirs || !mine || !theirs)
+            return mine == theirs ? 0 : compareLengths(size(), other.size());
+        const int order =
+            compareCommon(begin(), other.begin(), std::min(mine->length, theirs->length));
+        return order != 0 ? order : compareLengths(mine->length, theirs->length);
     }
     int compare(const C* other) const noexcept { return compareChars(view(), view(other)); }
     /// With case folded: A to Z in `char` strings, Unicode's simple folding in `wchar_t` strings.
@@ -282,12 +288,15 @@ public:
 
     void push_back(C c)
     {
-        Impl* impl = impl_.get();
-        if (impl && impl->length + 1 < impl->capacity && isSoleOwner()) {
-            C* end = impl->inlineChars() + impl->length++;
-            end[0] = c;
-            end[1] = C();
-            return;
+        if (Impl* impl = impl_.get()) {
+            const size_type length = impl->length;
+            if (length + 1 < impl->capacity && isSoleOwner()) {
+                impl->length = length + 1;
+                C* end = impl->inlineChars() + length;
+                end[0] = c;
+                end[1] = C();
+                return;
+            }
         }
         *grow(1) = c;
     }
@@ -454,19 +463,19 @@ private:
         return a.size() == b.size() &&
                (a.empty() || std::memcmp(a.data(), b.data(), a.size() * sizeof(C)) == 0);
     }
+    static int compareLengths(std::size_t a, std::size_t b) noexcept { return (a > b) - (a < b); }
+    static int compareCommon(const C* a, const C* b, std::size_t count) noexcept
+    {
+        if constexpr (sizeof(C) == 1)
+            return std::memcmp(a, b, count);
+        else
+            return std::wmemcmp(a, b, count);
+    }
     static int compareChars(View a, View b) noexcept
     {
         const std::size_t common = std::min(a.size(), b.size());
-        int order = 0;
-        if (common > 0) {
-            if constexpr (sizeof(C) == 1)
-                order = std::memcmp(a.data(), b.data(), common);
-            else
-                order = std::wmemcmp(a.data(), b.data(), common);
-        }
-        if (order != 0)
-            return order;
-        return a.size() == b.size() ? 0 : a.size() < b.size() ? -1 : 1;
+        const int order = common > 0 ? compareCommon(a.data(), b.data(), common) : 0;
+        return order != 0 ? order : compareLengths(a.size(), b.size());
     }
 
     static std::size_t capacityFor(std::size_t length, Room room)
@@ -536,7 +545,8 @@ private:
     }
 
     /// Makes the string `count` characters longer. @return where they go
-    C* grow(std::size_t count)
+    /// Out of line: the loops of callers that append keep only the fast case.
+    [[gnu::noinline]] C* grow(std::size_t count)
     {
         const size_type old = size();
         const std::size_t length = old + count;

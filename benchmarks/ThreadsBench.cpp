@@ -40,7 +40,6 @@ void pinTo(int cpu)
 }
 
 // -- Task queues
-// -------------------------------------------------------------------------------------
 
 constexpr int kTasks = 200'000;
 constexpr int kLatencyRounds = 400;
@@ -320,7 +319,6 @@ void benchQueues()
 }
 
 // -- Events
-// --------------------------------------------------------------------------------------------
 
 constexpr int kEvents = 64;
 

@@ -57,8 +57,8 @@ testing::AssertionResult imagesAgree(const QImage& actual, const QImage& expecte
                << expected.width() << "x" << expected.height();
     }
     constexpr auto kCommon = QImage::Format_ARGB32_Premultiplied;
-    const Comparison found =
-        compare(actual.convertToFormat(kCommon), expected.convertToFormat(kCommon), tolerance.channel);
+    const Comparison found = compare(actual.convertToFormat(kCommon),
+                                     expected.convertToFormat(kCommon), tolerance.channel);
     const double pixels = std::max(1.0, double(actual.width()) * actual.height());
     if (static_cast<double>(found.strays) <= tolerance.strayShare * pixels)
         return testing::AssertionSuccess();

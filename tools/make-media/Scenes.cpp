@@ -45,7 +45,6 @@ Ripple ripple(double x, double y, double horizon, int seed)
 }
 
 // -- Dawn: the sun over the water
-// ---------------------------------------------------------------------
 
 constexpr double kDawnHorizon = 0.60;
 constexpr double kSunX = 1.12;
@@ -129,7 +128,6 @@ Colour dawnScene(double x, double y)
 }
 
 // -- Pier: planks that run out to sea
-// ------------------------------------------------------------------
 
 constexpr double kPierHorizon = 0.44;
 constexpr double kPierX = 0.80;
@@ -217,7 +215,6 @@ Colour pierScene(double x, double y)
 }
 
 // -- Quay: houses and lamps at dusk
-// --------------------------------------------------------------------
 
 constexpr double kQuayLine = 0.62;
 

@@ -18,7 +18,8 @@ GraphicPrimitivesList::~GraphicPrimitivesList()
             if (isLastShare(*holder)) {
                 holder->~iPrimitiveDescHolder();
             } else {
-                // Somebody holds on to it: it takes a share of its memory, and the list's share of it ends.
+                // Somebody holds on to it: it takes a share of its memory, and the list's share of
+                // it ends.
                 __atomic_add_fetch(&chunk->owners, 1, __ATOMIC_RELAXED);
                 Tq::Ptr<iPrimitiveDescHolder>::adoptCounted(holder).reset();
             }

@@ -9,6 +9,8 @@
 
 #include <QThread>
 
+#include <utility>
+
 using OSInternal::LockRank;
 
 namespace {
@@ -56,11 +58,12 @@ void TaskQueue::queue(Tq::Ptr<iExecutable> item)
         return;
     }
     queueLock_->lock();
-    const bool first = pending_.empty();
     pending_.push_back(std::move(item));
+    const bool wake = std::exchange(workerIdle_, false);
     queueLock_->unlock();
-    // The worker takes the whole list at once: one signal serves all that join it before that.
-    if (first)
+    // A busy worker looks at the list again before it rests; one signal serves all that come until
+    // then.
+    if (wake)
         wakeUp_->set();
 }
 
@@ -106,18 +109,18 @@ void TaskQueue::threadFn()
 {
     workerQThread_.store(QThread::currentThread(), std::memory_order_release);
     Items batch; // its memory goes back and forth with pending_
-    while (running_.load(std::memory_order_relaxed)) {
+    do {
         wakeUp_->wait(iWaitable::kNoTimeOut);
-        if (!running_.load(std::memory_order_relaxed))
-            return;
-        runBatch(batch);
-        batch.clear();
-        if (batch.capacity() > kKeptItems)
-            batch = Items();
-    }
+        while (running_.load(std::memory_order_relaxed) && runBatch(batch)) {
+            batch.clear();
+            if (batch.capacity() > kKeptItems)
+                batch = Items();
+        }
+    } while (running_.load(std::memory_order_relaxed));
 }
 
-void TaskQueue::runBatch(Items& batch)
+// @return whether there was anything to run; if not, the next item has to wake the worker
+bool TaskQueue::runBatch(Items& batch)
 {
     // First the execution lock, then the list: whoever has cleared the list and waits for the
     // execution lock then knows that nothing of it is on its way.
@@ -125,7 +128,9 @@ void TaskQueue::runBatch(Items& batch)
     {
         const CriticalSectionLock lock(queueLock_);
         batch.swap(pending_);
+        workerIdle_ = batch.empty();
     }
     for (const auto& item : batch)
         item->execute();
+    return !batch.empty();
 }

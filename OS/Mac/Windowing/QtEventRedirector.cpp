@@ -52,7 +52,7 @@ eRC sendWindowEvent(WindowEvent::eKind kind, const Handler& handler)
     return handler ? handler->handleWindowEvent(record) : iEventHandler::eContinue;
 }
 
-// -- Keys ----------------------------------------------------------------------------------------
+// -- Keys
 
 // Whether a release only makes room for the next press of a held key. The toolkit marks those by
 // looking ahead for that press, which may not have arrived yet: then the keyboard itself is asked.
@@ -134,7 +134,7 @@ void translate(const QKeyEvent& event, KeyEvent& record)
     translateText(event, record);
 }
 
-// -- Mouse ---------------------------------------------------------------------------------------
+// -- Mouse
 
 std::uint32_t buttonMask(Qt::MouseButtons buttons)
 {
@@ -173,7 +173,7 @@ std::uint32_t mouseKind(const QMouseEvent& event)
     }
 }
 
-// -- Drops ---------------------------------------------------------------------------------------
+// -- Drops
 
 // Other programs name this machine in the URLs of their files.
 bool isThisMachine(const QString& host)

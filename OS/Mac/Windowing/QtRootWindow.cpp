@@ -74,7 +74,6 @@ QWidget* QtRootWindow::latestWidget()
 }
 
 // -- Making
-// ----------------------------------------------------------------------------------------
 
 bool QtRootWindow::realize(const InitArgs& args)
 {
@@ -136,7 +135,6 @@ void QtRootWindow::setEventHandler(Tq::Ptr<iEventHandler> handler)
 }
 
 // -- Place and state
-// -------------------------------------------------------------------------------
 
 XY<int> QtRootWindow::getSize() const
 {
@@ -238,7 +236,6 @@ void* QtRootWindow::getID() const
 }
 
 // -- Drawing and messages
-// --------------------------------------------------------------------------
 
 Tq::Ptr<iHostImage> QtRootWindow::createCompatibleImage(const XY<int>& size) const
 {

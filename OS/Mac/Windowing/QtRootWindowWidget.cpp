@@ -95,7 +95,6 @@ void QtRootWindowWidget::setFrameless(bool frameless)
 }
 
 // -- Events
-// ----------------------------------------------------------------------------------------
 
 template <class Event>
 void QtRootWindowWidget::redirect(Event* event)
@@ -230,7 +229,6 @@ void QtRootWindowWidget::dropEvent(QDropEvent* event)
 }
 
 // -- Painting
-// --------------------------------------------------------------------------------------
 
 void QtRootWindowWidget::paintEvent(QPaintEvent* event)
 {

@@ -56,7 +56,6 @@ Tq::Ptr<iRegion> QtWindowManager::createRegion(const std::vector<Tq::Rectangle<i
 }
 
 // -- The mouse pointer
-// -----------------------------------------------------------------------------
 
 Tq::Ptr<iMouseCursor> QtWindowManager::createMouseCursor(iMouseCursor::eStockCursor stock)
 {
@@ -103,7 +102,6 @@ XY<int> QtWindowManager::getMousePosition()
 }
 
 // -- Windows beside the root window
-// ----------------------------------------------------------------
 
 Tq::Ptr<iStatusWindow> QtWindowManager::createStatusWindow()
 {
@@ -141,7 +139,6 @@ bool QtWindowManager::isKeyPressed(unsigned int code)
 }
 
 // -- The event loop
-// --------------------------------------------------------------------------------
 
 void QtWindowManager::despatchPendingEvents()
 {

@@ -106,7 +106,7 @@ public:
         }
     }
 
-    // -- Reading ---------------------------------------------------------------------------------
+    // -- Reading
 
     size_type size() const noexcept { return impl_ ? impl_->length : 0; }
     size_type length() const noexcept { return size(); }
@@ -135,7 +135,7 @@ public:
         return LightweightString(view().substr(from, count));
     }
 
-    // -- Searching: positions, or npos -----------------------------------------------------------
+    // -- Searching: positions, or npos
 
     size_type find(View text, size_type from = 0) const noexcept
     {
@@ -176,7 +176,6 @@ public:
     bool endsWith(C c) const noexcept { return view().ends_with(c); }
 
     // -- Comparing: below, at or above 0. Bytes compare unsigned, wide characters by value.
-    // ---------
 
     int compare(View other) const noexcept { return compareChars(view(), other); }
     int compare(const LightweightString& other) const noexcept
@@ -238,7 +237,6 @@ public:
     }
 
     // -- Writing
-    // -----------------------------------------------------------------------------------
 
     /// A null pointer counts as empty.
     LightweightString& assign(const C* text) { return assign(view(text)); }
@@ -380,7 +378,6 @@ public:
     void swap(LightweightString& other) noexcept { impl_.swap(other.impl_); }
 
     // -- Making others
-    // -------------------------------------------------------------------------------
 
     LightweightString toLower() const
     {

@@ -118,13 +118,17 @@ private:
 
     struct Chunk;
 
-    /// What stands before each batch: how to get to the next one, and to the memory that both lie in.
+    /// What stands before each batch: how to get to the next one, and to the memory that both lie
+    /// in.
     struct Entry
     {
         std::uint32_t words;   ///< this entry, its batch and the batch's array
         std::uint32_t atWords; ///< from the chunk's beginning
 
-        Entry* next() { return reinterpret_cast<Entry*>(reinterpret_cast<char*>(this) + words * kWord); }
+        Entry* next()
+        {
+            return reinterpret_cast<Entry*>(reinterpret_cast<char*>(this) + words * kWord);
+        }
         // Every holder begins with this base: its only one that is not virtual.
         iPrimitiveDescHolder* holder() { return reinterpret_cast<iPrimitiveDescHolder*>(this + 1); }
         Chunk* chunk()
@@ -173,8 +177,8 @@ public:
     PrimitiveDescHolder(const PrimitiveDescHolder&) = delete;
     PrimitiveDescHolder& operator=(const PrimitiveDescHolder&) = delete;
 
-    // Descriptions that own nothing just end. The others are destroyed by their known type, not through
-    // their virtual tables.
+    // Descriptions that own nothing just end. The others are destroyed by their known type, not
+    // through their virtual tables.
     ~PrimitiveDescHolder() override
     {
         if constexpr (kOwnsNothing<T>)
@@ -230,13 +234,15 @@ void GraphicPrimitivesList::push_back(const T* descs, unsigned int count,
     using Holder = PrimitiveDescHolder<T>;
     static_assert(alignof(T) <= kWord && alignof(Holder) <= kWord && sizeof(Holder) % kWord == 0);
 
-    const std::size_t needed = words(sizeof(Entry) + sizeof(Holder) + std::size_t(count) * sizeof(T));
+    const std::size_t needed =
+        words(sizeof(Entry) + sizeof(Holder) + std::size_t(count) * sizeof(T));
     if (!last_ || last_->sizeWords - last_->usedWords < needed)
         addChunk(needed);
     Chunk* chunk = last_;
     char* place = chunk->at(chunk->usedWords);
     new (place + sizeof(Entry)) Holder(descs, count, clipRegion);
-    new (place) Entry{static_cast<std::uint32_t>(needed), static_cast<std::uint32_t>(chunk->usedWords)};
+    new (place)
+        Entry{static_cast<std::uint32_t>(needed), static_cast<std::uint32_t>(chunk->usedWords)};
     chunk->usedWords += needed;
 }
 

@@ -57,13 +57,14 @@ private:
     using Items = std::vector<Tq::Ptr<iExecutable>>;
 
     void threadFn();
-    void runBatch(Items& batch);
+    bool runBatch(Items& batch);
 
     Tq::Ptr<iCriticalSection> queueLock_;
     Tq::Ptr<iCriticalSection> executionLock_;
     Tq::Ptr<iThread> worker_;
-    Tq::Ptr<iThreadEvent> wakeUp_; // set when pending_ becomes non-empty
+    Tq::Ptr<iThreadEvent> wakeUp_; // set when an item comes to an idle worker
     Items pending_;                // under queueLock_
+    bool workerIdle_ = true;       // under queueLock_: found nothing to run, and waits or will
     std::atomic<QThread*> workerQThread_{nullptr};
     std::atomic<bool> running_{true};
 };

@@ -1,5 +1,7 @@
 #include "OS/Mac/Core/Bundle.h"
 
+#include "OS/Mac/Core/FileHandle.h"
+
 #include <cstdio>
 #include <dlfcn.h>
 #include <sys/stat.h>
@@ -26,8 +28,7 @@ std::vector<std::uint8_t> readFile(const std::string& path)
     struct stat info;
     if (stat(path.c_str(), &info) != 0 || !S_ISREG(info.st_mode) || info.st_size > kMaxResourceFile)
         return bytes;
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rbe"),
-                                                               &std::fclose);
+    const OSInternal::FileHandle file(std::fopen(path.c_str(), "rbe"));
     if (file) {
         bytes.resize(static_cast<std::size_t>(info.st_size));
         bytes.resize(std::fread(bytes.data(), 1, bytes.size(), file.get()));

@@ -98,4 +98,12 @@ LightweightString<wchar_t> pathFromSystem(const LightweightString<char>& path)
     return result;
 }
 
+LightweightString<char> extensionOf(const LightweightString<char>& path)
+{
+    const auto dot = path.rfind('.');
+    if (dot == path.npos || path.find('/', dot) != path.npos)
+        return {};
+    return path.substr(dot + 1).toLower();
+}
+
 } // namespace OSInternal

@@ -14,4 +14,8 @@ LightweightString<char> pathToSystem(const LightweightString<wchar_t>& path);
 /// plus its value.
 LightweightString<wchar_t> pathFromSystem(const LightweightString<char>& path);
 
+/// The extension of a system path's last part, in lower case and without its dot; empty when there
+/// is none.
+LightweightString<char> extensionOf(const LightweightString<char>& path);
+
 } // namespace OSInternal

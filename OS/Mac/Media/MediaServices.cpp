@@ -1,5 +1,6 @@
 #include "OS/Mac/Media/MediaServices.h"
 
+#include "OS/Mac/Core/FileHandle.h"
 #include "OS/Mac/Core/PathText.h"
 #include "OS/Mac/Media/HostPixels.h"
 #include "OS/Mac/Media/TiffWriter.h"
@@ -13,27 +14,12 @@
 #include <QImageWriter>
 
 #include <cstdio>
-#include <memory>
 
 namespace {
 
-struct FileCloser
-{
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
-
-bool isTiff(const QByteArray& extension)
+bool isTiff(const LightweightString<char>& extension)
 {
     return extension == "tif" || extension == "tiff";
-}
-
-// In lower case, without its dot; empty when the last part of the path has none.
-QByteArray extensionOf(const LightweightString<char>& path)
-{
-    const auto dot = path.rfind('.');
-    if (dot == path.npos || path.find('/', dot) != path.npos)
-        return {};
-    return QByteArray(path.c_str() + dot + 1).toLower();
 }
 
 bool saveWithToolkit(const Tq::Ptr<iHostImage>& image, const LightweightString<char>& path,
@@ -43,7 +29,7 @@ bool saveWithToolkit(const Tq::Ptr<iHostImage>& image, const LightweightString<c
     // Asked before the file is touched: an unknown format must not cost what is there.
     if (pixels.image().isNull() || !QImageWriter::supportedImageFormats().contains(format))
         return false;
-    const std::unique_ptr<std::FILE, FileCloser> file(std::fopen(path.c_str(), "wbe"));
+    const OSInternal::FileHandle file(std::fopen(path.c_str(), "wbe"));
     QFile device;
     if (!file || !device.open(file.get(), QIODevice::WriteOnly))
         return false;
@@ -90,9 +76,9 @@ bool MediaServices::saveImage(const Tq::Ptr<iHostImage>& image,
                               const LightweightString<wchar_t>& path)
 {
     const LightweightString<char> systemPath = OSInternal::pathToSystem(path);
-    const QByteArray extension = extensionOf(systemPath);
+    const LightweightString<char> extension = OSInternal::extensionOf(systemPath);
     return isTiff(extension) ? TiffWriter::saveTIFF(image, systemPath)
-                             : saveWithToolkit(image, systemPath, extension);
+                             : saveWithToolkit(image, systemPath, extension.c_str());
 }
 
 Tq::Ptr<iHostImage> MediaServices::createHostSurface(const XY<int>& size)

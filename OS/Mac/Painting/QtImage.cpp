@@ -1,6 +1,7 @@
 #include "OS/Mac/Painting/QtImage.h"
 
 #include "OS/Mac/Core/Assertion.h"
+#include "OS/Mac/Core/FileHandle.h"
 #include "OS/Mac/Core/PathText.h"
 #include "OS/Mac/Painting/JpegReader.h"
 #include "OS/Mac/Painting/PictureLimits.h"
@@ -15,30 +16,15 @@
 #include <QImageReader>
 
 #include <fcntl.h>
-#include <memory>
 #include <string_view>
 
-namespace {
+using OSInternal::FileHandle;
 
-struct FileCloser
-{
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using FileHandle = std::unique_ptr<std::FILE, FileCloser>;
+namespace {
 
 FileHandle openForReading(const LightweightString<wchar_t>& path)
 {
     return FileHandle(std::fopen(OSInternal::pathToSystem(path).c_str(), "rbe"));
-}
-
-// The extension in lower case, without its dot.
-LightweightString<char> extensionOf(const LightweightString<wchar_t>& path)
-{
-    const LightweightString<char> name = OSInternal::pathToSystem(path);
-    const auto dot = name.rfind('.');
-    if (dot == name.npos || name.find('/', dot) != name.npos)
-        return {};
-    return name.substr(dot + 1).toLower();
 }
 
 bool isOneOf(const LightweightString<char>& name, std::initializer_list<const char*> names)
@@ -106,7 +92,8 @@ void QtImage::allocate(QImage::Format format)
 
 QtImage::QtImage(const LightweightString<wchar_t>& path)
 {
-    const LightweightString<char> extension = extensionOf(path);
+    const LightweightString<char> extension =
+        OSInternal::extensionOf(OSInternal::pathToSystem(path));
     QImage image;
     if (isOneOf(extension, {"bmp", "png", "pbm", "pgm", "ppm", "xbm", "xpm"}))
         image = loadWithToolkit(path, extension.c_str());

@@ -1,13 +1,10 @@
 #include "OS/Mac/Threads/IOCompletionPort.h"
 #include "Threads/SystemCalls.h"
+#include "support/MemoryFile.h"
 
 #include <gtest/gtest.h>
 
 namespace {
-
-class SomeFile : public iFile
-{
-};
 
 void expectStatus(const iIOCompletionPort::Status& status)
 {
@@ -37,7 +34,7 @@ TEST(IOCompletionPort, BlocksInSecondsUntilItIsTerminatedForGood)
 TEST(IOCompletionPort, AttachesNoFile)
 {
     const Tq::Ptr<iIOCompletionPort> port(new IOCompletionPort);
-    const Tq::Ptr<iFile> file(new SomeFile);
+    const Tq::Ptr<iFile> file(new MemoryFile(""));
     EXPECT_FALSE(port->attach(file));
     EXPECT_EQ(file.useCount(), 1);
 }

@@ -4,6 +4,8 @@
 #include <OS/Core/iDLL.h>
 #include <OS/Core/iThreadAtomics.h>
 #include <OS/Core/iUtils.h>
+#include <OS/Files/iFileManager.h>
+#include <OS/Files/iSettings.h>
 #include <OS/Primitives/GraphicPrimitivesList.h>
 #include <OS/Primitives/iGraphicPrimitivesRenderer.h>
 #include <OS/Shared/iHeap.h>
@@ -112,6 +114,56 @@ TEST(Slots, CoreServices)
                 {slotOf(&S::getNumberOfProcessors), slotOf(&S::getMonitorInfo),
                  slotOf(&S::getMemoryInfo), slotOf(&S::getComputerName), slotOf(&S::getOSVersion),
                  slotOf(&S::getGraphicsDriverVendor), slotOf(&S::getVariable)});
+}
+
+TEST(Slots, Files)
+{
+    using F = iFile;
+    expectOrder("iFile", {slotOf(&F::getFileName), slotOf(&F::read), slotOf(&F::readAt),
+                          slotOf(&F::readAsync), slotOf(&F::readAtAsync), slotOf(&F::write),
+                          slotOf(&F::writeAsync), slotOf(&F::writeAt), slotOf(&F::writeAtAsync),
+                          slotOf(&F::positionAt), slotOf(&F::getPosition), slotOf(&F::getTime),
+                          slotOf(&F::setTime), slotOf(&F::getSize), slotOf(&F::recalculateSize),
+                          slotOf(&F::truncate), slotOf(&F::isOpen), slotOf(&F::getCaps)});
+    using M = iFileManager;
+    expectOrder("iFileManager", {slotOf(&M::copyFile),
+                                 slotOf(&M::moveFile),
+                                 slotOf(&M::deleteFile),
+                                 slotOf(&M::touchFile),
+                                 slotOf(&M::recycleFile),
+                                 slotOf(&M::openFile),
+                                 slotOf(&M::transferOwnership),
+                                 slotOf(&M::getOwner),
+                                 slotOf(&M::getFileSize),
+                                 slotOf(&M::setFileAttributes),
+                                 slotOf(&M::getFileAttributes),
+                                 slotOf(&M::fileExists),
+                                 slotOf(&M::isVirtual),
+                                 slotOf(&M::openDrive),
+                                 slotOf(&M::openDriveByID),
+                                 slotOf(&M::openDLL),
+                                 slotOf(&M::createDirectory),
+                                 slotOf(&M::deleteDirectory),
+                                 slotOf(&M::getDirectoryContents),
+                                 slotOf(&M::createAsyncContext),
+                                 slotOf(&M::createIOCompletionPort),
+                                 slotOf(&M::getNumDiskDrives),
+                                 slotOf(&M::getDiskDrives),
+                                 slotOf(&M::getNetworkServers),
+                                 slotOf(&M::getNetworkShares),
+                                 slotOf(&M::getTempFileName),
+                                 slotOf(&M::getAppPath),
+                                 slotOf(&M::getAppName),
+                                 slotOf(&M::getAppDescription),
+                                 slotOf(&M::asString),
+                                 slotOf(&M::timeNow),
+                                 slotOf(&M::isWritable),
+                                 slotOf(&M::findSysLib),
+                                 slotOf(&M::getUniversalName),
+                                 slotOf(&M::getPathSeparator)});
+    using S = iSettings;
+    expectOrder("iSettings", {slotOf(&S::setValue), slotOf(&S::getValue), slotOf(&S::removeValue),
+                              slotOf(&S::getMultipleValues), slotOf(&S::persist)});
 }
 
 TEST(Slots, Threads)

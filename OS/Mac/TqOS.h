@@ -14,7 +14,7 @@
 #include "OS/Mac/System/SystemInfo.h"
 #include "OS/Mac/Threads/ThreadManager.h"
 #include "OS/Mac/Windowing/QtWindowManager.h"
-#include "OS/Shared/Heap.h"
+#include "OS/Shared/OsHeap.h"
 
 /// The root object: one of every manager, by value, in the order in which they are constructed.
 ///

@@ -1,4 +1,4 @@
-#include "OS/Shared/Heap.h"
+#include <OS/Shared/Heap.h>
 
 #include "OS/Mac/Core/Assertion.h"
 
@@ -127,29 +127,3 @@ Heap::Stats* Heap::getHeapStats()
     static Stats stats;
     return &stats;
 }
-
-namespace Tq {
-
-OsHeap::~OsHeap() = default;
-
-void* OsHeap::alloc(std::size_t size)
-{
-    return std::malloc(size);
-}
-
-void* OsHeap::reAlloc(void* block, std::size_t size)
-{
-    return std::realloc(block, size);
-}
-
-void OsHeap::deAlloc(void* block)
-{
-    std::free(block);
-}
-
-bool OsHeap::isPointerValid(const void*) const
-{
-    return true;
-}
-
-} // namespace Tq

@@ -1,7 +1,7 @@
-#include "OS/Shared/Heap.h"
 #include "support/OutputCapture.h"
 
 #include <OS.h>
+#include <OS/Shared/Heap.h>
 
 #include <gtest/gtest.h>
 

@@ -1,16 +1,18 @@
 #pragma once
 
+#include <OS/Shared/ProcessHeapAllocator.h>
 #include <OS/Shared/iHeap.h>
 #include <OS/Shared/iReclaimable.h>
-
-#include "OS/Shared/ProcessHeapAllocator.h"
 
 #include <atomic>
 #include <vector>
 
 /// The base of every heap: pages on the POSIX mapping calls, the registry of caches, and blocks
 /// straight from the C allocator. See iHeap for what each operation does.
-class Heap : public iHeap
+///
+/// A client constructs the heaps that derive from it, such as Tq::MTHeap. Destroying one gives back
+/// no pages that were mapped through it.
+class OS_API Heap : public iHeap
 {
 public:
     /// Counters of the large-object heap; nothing else writes them, and the last three stay zero.
@@ -51,18 +53,3 @@ private:
     std::vector<iReclaimable*, Tq::ProcessHeapAllocator<iReclaimable*>> reclaimables_;
     std::int32_t pageSize_;
 };
-
-namespace Tq {
-
-/// The heap of the root object: the C allocator for blocks.
-class OsHeap final : public Heap
-{
-public:
-    ~OsHeap() override;
-    void* alloc(std::size_t size) override;
-    void* reAlloc(void* block, std::size_t size) override;
-    void deAlloc(void* block) override;
-    bool isPointerValid(const void* block) const override;
-};
-
-} // namespace Tq

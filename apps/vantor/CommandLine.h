@@ -1,21 +1,15 @@
 #pragma once
 
 #include "Model/Text.h"
-
-#include <OS/Primitives/XY.h>
+#include "common/CommandOptions.h"
 
 namespace Vantor {
 
 /// What the command line asks for.
-struct CommandLine
+struct CommandLine : CommandOptions
 {
-    Text folder;    ///< of pictures; empty: the sample media
-    Text frameFile; ///< draw one frame into this file, without a window
-    XY<int> size{1280, 720};
-    double scale = 1.0;
-    int seconds = 0; ///< run so long and quit; 0: until the user quits
-    bool help = false;
-    bool version = false;
+    Text folder;            ///< of pictures; empty: not said
+    bool sizeGiven = false; ///< size is what was asked for, not the default
 };
 
 /// Reads the arguments behind the program's name.

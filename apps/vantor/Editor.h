@@ -1,9 +1,9 @@
 #pragma once
 
-#include "Drawing/Icons.h"
 #include "Drawing/PictureStore.h"
-#include "Drawing/Resources.h"
 #include "View/Interaction.h"
+#include "common/Icons.h"
+#include "common/Resources.h"
 
 #include <OS/Windowing/iEventHandler.h>
 #include <OS/Windowing/iMouseCursor.h>

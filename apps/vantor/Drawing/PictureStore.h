@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Drawing/Resources.h"
 #include "Model/Text.h"
+#include "common/Resources.h"
 
 #include <OS/Painting/iHostImage.h>
 

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "Drawing/Canvas.h"
-#include "Drawing/Icons.h"
 #include "Drawing/PictureStore.h"
 #include "View/EditorState.h"
+#include "common/Canvas.h"
+#include "common/Icons.h"
 
 namespace Vantor {
 

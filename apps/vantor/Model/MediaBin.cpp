@@ -33,12 +33,6 @@ int MediaBin::add(const Text& path, const Text& format)
     return static_cast<int>(items.size()) - 1;
 }
 
-Text nameOf(const Text& path)
-{
-    const Text::size_type slash = path.rfind(L'/');
-    return slash == Text::npos ? path : path.substr(slash + 1);
-}
-
 Text formatOf(const Text& name)
 {
     const Text::size_type dot = name.rfind(L'.');

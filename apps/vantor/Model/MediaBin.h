@@ -32,8 +32,6 @@ struct MediaBin
     int add(const Text& path, const Text& format);
 };
 
-/// The part of a path behind the last separator.
-Text nameOf(const Text& path);
 /// The format of a picture by its extension, or nothing when the library cannot load such files.
 Text formatOf(const Text& name);
 /// Adds every picture of a folder. @return false when the folder cannot be read

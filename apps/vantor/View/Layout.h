@@ -1,13 +1,10 @@
 #pragma once
 
-#include <OS/Primitives/Rectangle.h>
+#include "Model/Text.h"
 
 #include <array>
 
 namespace Vantor {
-
-using Rect = Tq::Rectangle<int>;
-using Point = XY<int>;
 
 /// What the user or the text decides about the layout.
 struct LayoutChoices
@@ -25,6 +22,7 @@ struct Layout
     static constexpr int kTracks = 4;
     static constexpr int kButtons = 3;
     static inline const Point kSmallest{960, 600};
+    static inline const Point kLargest{7680, 4320};
 
     Point size;
     Rect topBar;

@@ -1,19 +1,17 @@
 #pragma once
 
-#include "Drawing/Resources.h"
-#include "Drawing/Theme.h"
-#include "Model/Text.h"
+#include "common/Geometry.h"
+#include "common/Resources.h"
+#include "common/Text.h"
+#include "common/Theme.h"
 
 #include <OS/Primitives/iGraphicPrimitivesRenderer.h>
 
 #include <vector>
 
-namespace Vantor {
+namespace App {
 
-using Rect = Tq::Rectangle<int>;
-using Point = XY<int>;
-
-/// What the editor draws on, in logical pixels.
+/// What an application draws on, in logical pixels.
 ///
 /// Scales for its target and hands runs of one kind of primitive to the renderer in one call, in
 /// the order of drawing. What was drawn is complete after the destructor.
@@ -105,10 +103,4 @@ inline int baselineIn(const Rect& rect, const Theme::Type& type)
     return (rect.top + rect.bottom) / 2 + (type.size * 37 + 50) / 100;
 }
 
-/// A rectangle made smaller (or larger) on every side.
-inline Rect inset(const Rect& rect, int by)
-{
-    return {rect.left + by, rect.top + by, rect.right - by, rect.bottom - by};
-}
-
-} // namespace Vantor
+} // namespace App

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Drawing/Theme.h"
-#include "Model/Text.h"
+#include "common/Text.h"
+#include "common/Theme.h"
 
 #include <OS/Painting/iFont.h>
 #include <OS/Painting/iHostImage.h>
@@ -10,7 +10,7 @@
 
 #include <map>
 
-namespace Vantor {
+namespace App {
 
 /// Fonts and blank pictures for one target: a window, which scales by itself, or a host surface,
 /// for which everything is made at its scale.
@@ -37,4 +37,4 @@ private:
     std::map<Theme::Type, Tq::Ptr<iFont>> fonts_;
 };
 
-} // namespace Vantor
+} // namespace App

@@ -1,4 +1,4 @@
-#include "Drawing/Resources.h"
+#include "common/Resources.h"
 
 #include <OS.h>
 #include <OS/Media/iMediaServices.h>
@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace Vantor {
+namespace App {
 
 Tq::Ptr<iFont> Resources::font(const Theme::Type& type)
 {
@@ -42,4 +42,4 @@ Tq::Ptr<iHostImage> Resources::blank(const Tq::Rectangle<int>& rect) const
     return OS()->mediaServices()->createHostSurface(target.size());
 }
 
-} // namespace Vantor
+} // namespace App

@@ -1,4 +1,4 @@
-#include "Drawing/Canvas.h"
+#include "common/Canvas.h"
 
 #include <OS.h>
 #include <OS/Windowing/iWindowManager.h>
@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace Vantor {
+namespace App {
 
 namespace {
 
@@ -250,4 +250,4 @@ void Canvas::setClip()
         renderer_->setClipRegion(OS()->windowMgr()->createRegion({scaled(clips_.back())}));
 }
 
-} // namespace Vantor
+} // namespace App

@@ -1,10 +1,10 @@
-#include "Drawing/Icons.h"
+#include "common/Icons.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
 
-namespace Vantor {
+namespace App {
 
 namespace {
 
@@ -79,4 +79,4 @@ Tq::Ptr<iHostImage> Icons::get(Shape shape, const Tq::Rectangle<int>& rect,
     return image;
 }
 
-} // namespace Vantor
+} // namespace App

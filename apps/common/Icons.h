@@ -1,13 +1,13 @@
 #pragma once
 
-#include "Drawing/Resources.h"
+#include "common/Resources.h"
 
 #include <OS/Painting/iHostImage.h>
 
 #include <map>
 #include <tuple>
 
-namespace Vantor {
+namespace App {
 
 /// Small shapes with smooth edges that the primitives do not have, drawn once for each size and
 /// colour.
@@ -36,4 +36,4 @@ private:
     std::map<Key, Tq::Ptr<iHostImage>> made_;
 };
 
-} // namespace Vantor
+} // namespace App

@@ -2,8 +2,8 @@
 
 #include <OS/Primitives/NormalisedRGB.h>
 
-/// Colours, type and sizes of the editor, in one place.
-namespace Vantor::Theme {
+/// Colours, type and sizes of the sample applications, in one place.
+namespace App::Theme {
 
 /// A colour from 0xRRGGBB. Half a step is added because renderers truncate to 8 bits.
 inline NormalisedRGB rgb(unsigned int hex)
@@ -73,4 +73,4 @@ constexpr Type kRuler{10, false, true};
 constexpr Type kClock{16, false, true};
 constexpr Type kClockDim{12, false, true};
 
-} // namespace Vantor::Theme
+} // namespace App::Theme

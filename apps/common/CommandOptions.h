@@ -1,0 +1,34 @@
+#pragma once
+
+#include "common/Geometry.h"
+#include "common/Text.h"
+
+#include <vector>
+
+namespace App {
+
+/// What every sample application takes on its command line.
+struct CommandOptions
+{
+    Text frameFile; ///< draw one frame into this file, without a window
+    Point size;     ///< of the window or the frame; (0, 0): not said
+    double scale = 1.0;
+    int seconds = 0; ///< run so long and quit; 0: until the user quits
+    bool help = false;
+    bool version = false;
+    std::vector<Text> others; ///< what is no option
+};
+
+/// The sizes that --size may name.
+struct SizeLimits
+{
+    Point smallest;
+    Point largest;
+};
+
+/// Reads the arguments behind the program's name.
+/// @return what is wrong with them, in one line, or nothing
+Text parseOptions(int count, const char* const* arguments, const SizeLimits& limits,
+                  CommandOptions& options);
+
+} // namespace App

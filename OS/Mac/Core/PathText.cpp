@@ -60,21 +60,25 @@ std::size_t decodeUtf8(std::string_view text, wchar_t& c)
     return length;
 }
 
+void encode(std::string_view prefix, std::wstring_view text, LightweightString<char>& result)
+{
+    result.reserve(static_cast<std::uint32_t>(prefix.size() + text.size() + 8));
+    result.append(prefix);
+    for (const wchar_t c : text)
+        appendUtf8(result, c);
+}
+
 } // namespace
 
 namespace OSInternal {
 
 LightweightString<char> pathToSystem(const LightweightString<wchar_t>& path)
 {
-    LightweightString<char> result;
-    result.reserve(path.size() + 8);
     std::wstring_view rest = path.view();
-    if (rest.starts_with(L"//")) {
-        result.append(kNetworkScheme);
-        rest.remove_prefix(2);
-    }
-    for (const wchar_t c : rest)
-        appendUtf8(result, c);
+    if (!rest.starts_with(L"//"))
+        return textToSystem(rest);
+    LightweightString<char> result;
+    encode(kNetworkScheme, rest.substr(2), result);
     return result;
 }
 
@@ -83,17 +87,29 @@ LightweightString<wchar_t> pathFromSystem(const LightweightString<char>& path)
     std::string_view rest = path.view();
     if (rest.starts_with(kNetworkScheme))
         rest.remove_prefix(5);
+    return textFromSystem(rest);
+}
+
+LightweightString<char> textToSystem(std::wstring_view text)
+{
+    LightweightString<char> result;
+    encode({}, text, result);
+    return result;
+}
+
+LightweightString<wchar_t> textFromSystem(std::string_view text)
+{
     LightweightString<wchar_t> result;
-    result.reserve(static_cast<std::uint32_t>(rest.size()));
-    while (!rest.empty()) {
+    result.reserve(static_cast<std::uint32_t>(text.size()));
+    while (!text.empty()) {
         wchar_t c = 0;
-        std::size_t length = decodeUtf8(rest, c);
+        std::size_t length = decodeUtf8(text, c);
         if (length == 0) {
-            c = kRawByte + static_cast<unsigned char>(rest.front());
+            c = kRawByte + static_cast<unsigned char>(text.front());
             length = 1;
         }
         result.push_back(c);
-        rest.remove_prefix(length);
+        text.remove_prefix(length);
     }
     return result;
 }

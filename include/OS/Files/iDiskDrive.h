@@ -7,8 +7,9 @@
 
 /// A mounted volume. Made by the file manager and shared through Tq::Ptr.
 ///
-/// What it is was read when it was made; the space is asked for anew at every call. Any thread; no
-/// locks.
+/// What it is was read when it was made, from the system's own tables, without touching the volume.
+/// The space is asked for anew at every call: that waits while the server of a network volume is
+/// silent. Any thread; no locks.
 class OS_API iDiskDrive : public iObject
 {
 public:
@@ -23,7 +24,8 @@ public:
     };
 
     /// What stays the same while the volume exists: its UUID where it has one, else what is
-    /// mounted, such as "//server/share" or "/dev/sda1".
+    /// mounted, such as "//server/share" or "/dev/sda1", else the kind and the place, such as
+    /// "tmpfs:/mnt/ram".
     virtual LightweightString<wchar_t> getID() const = 0;
     /// The folder where it is mounted, with a trailing "/".
     virtual LightweightString<wchar_t> getPath() const = 0;

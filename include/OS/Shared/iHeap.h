@@ -13,7 +13,7 @@ class iReclaimable;
 /// OS()->heap() is the root's; the global `operator new` and `operator delete` go through it.
 /// Blocks may be allocated and released from any thread, pages too. The registry takes no lock:
 /// register and deregister from one thread, or before other threads call reclaim, limitUsage or
-/// report. Nothing here throws.
+/// report. Nothing here throws, but for what Tq::MTHeap says of its blocks.
 class OS_API iHeap
 {
 public:

@@ -1,0 +1,398 @@
+#include <OS/Shared/MTHeap.h>
+
+#include "OS/Shared/BinLocks.h"
+#include "OS/Shared/ForkGuarded.h"
+#include "OS/Shared/TqLargeObjectHeap.h"
+
+#include "OS/Mac/Core/Assertion.h"
+
+#include <OS.h>
+#include <OS/Core/Exception.h>
+#include <OS/Threads/iThreadManager.h>
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <mutex>
+#include <new>
+#include <sys/mman.h>
+
+namespace Tq {
+
+namespace {
+
+using AllocHeader = std::uint32_t; // the size that the caller last asked for
+
+constexpr std::size_t kBinnedLimit = MTHeap::kBinMaxSize - sizeof(AllocHeader);
+constexpr std::size_t kLargeBlockOffset = 16; // from a large block to what the caller gets
+constexpr unsigned int kRetryPauseMs = 10;
+constexpr std::size_t kLargestAddressSpace = std::size_t(1) << 47; // what a process may map unasked
+
+static_assert(MTHeap::getBinFreeSize(MTHeap::kBinCount - 1) == kBinnedLimit);
+static_assert(MTHeap::getBinIndexFromSize(kBinnedLimit) == MTHeap::kBinCount - 1);
+static_assert(MTHeap::getBinIndexFromSize(kBinnedLimit + 1) == MTHeap::kNoBin);
+static_assert(MTHeap::getBinIndexFromSize(std::numeric_limits<std::size_t>::max()) ==
+              MTHeap::kNoBin);
+
+std::uintptr_t addressOf(const void* pointer)
+{
+    return reinterpret_cast<std::uintptr_t>(pointer);
+}
+
+std::byte* headerOf(void* block)
+{
+    return static_cast<std::byte*>(block) - sizeof(AllocHeader);
+}
+
+AllocHeader readSize(void* block)
+{
+    AllocHeader size;
+    std::memcpy(&size, headerOf(block), sizeof size);
+    return size;
+}
+
+void writeSize(void* block, AllocHeader size)
+{
+    std::memcpy(headerOf(block), &size, sizeof size);
+}
+
+// The header of a large block has to tell that it is one, whatever the low bits of its size are.
+void writeLargeSize(void* block, std::size_t size)
+{
+    writeSize(block, std::max(static_cast<AllocHeader>(size), AllocHeader(kBinnedLimit + 1)));
+}
+
+// A free block's link lies where its header is, 12 bytes into 16.
+std::byte* readLink(const std::byte* header)
+{
+    std::byte* next;
+    std::memcpy(&next, header, sizeof next);
+    return next;
+}
+
+void writeLink(std::byte* header, std::byte* next)
+{
+    std::memcpy(header, &next, sizeof next);
+}
+
+void* largeBlockOf(void* block)
+{
+    return static_cast<std::byte*>(block) - kLargeBlockOffset;
+}
+
+[[gnu::cold, gnu::noinline]] void reportMisalignedResult()
+{
+    OSInternal::reportAssertion("((size_t) mem & (iHeap::kMemAlignment - 1)) == kHeaderOffset",
+                                "OS/Shared/TqHeap_MultiThreaded line 196");
+    OSInternal::reportAssertion("((size_t) mem & (iHeap::kMemAlignment - 1)) == 0",
+                                "OS/Shared/TqHeap_MultiThreaded line 200");
+}
+
+[[gnu::cold, gnu::noinline]] void reportMisalignedArgument()
+{
+    OSInternal::reportAssertion("((size_t) mem & (iHeap::kMemAlignment - 1)) == 0",
+                                "OS/Shared/TqHeap_MultiThreaded line 213");
+}
+
+[[noreturn, gnu::cold, gnu::noinline]] void refuseRelease()
+{
+    throw Exception::RuntimeError("Attempt to free invalid pointer (invalid alignment)",
+                                  "OS/Shared/TqHeap_MultiThreaded", 228);
+}
+
+bool isAligned(const void* block)
+{
+    return (addressOf(block) & (iHeap::kMemAlignment - 1)) == 0;
+}
+
+void checkArgument(const void* block)
+{
+    if (!isAligned(block)) [[unlikely]]
+        reportMisalignedArgument();
+}
+
+} // namespace
+
+/// The bins' virtual memory, and what the heap's locks do around a fork.
+class MTHeap::Memory final : public ForkGuarded
+{
+public:
+    explicit Memory(MTHeap& heap) : heap_(heap)
+    {
+        vmemLock_.setRank(OSInternal::LockRank::eHeapVirtualMemory);
+    }
+    ~Memory()
+    {
+        for (void* region : regions_)
+            munmap(region, kRegionSize);
+    }
+
+    using ForkGuarded::enrol;
+    using ForkGuarded::withdraw;
+
+    void lockForFork() override
+    {
+        for (std::uint32_t bin = 0; bin < kBinCount; ++bin)
+            locks_.lockForFork(heap_.bins_[bin].taken, bin);
+        Tq::lockForFork(vmemLock_);
+    }
+    void unlockAfterFork() override
+    {
+        vmemLock_.unlock();
+        for (std::uint32_t bin = kBinCount; bin-- > 0;)
+            locks_.unlockAfterFork(heap_.bins_[bin].taken, bin);
+    }
+    void renewInChild() override
+    {
+        Tq::renewInChild(vmemLock_, OSInternal::LockRank::eHeapVirtualMemory);
+        for (std::uint32_t bin = kBinCount; bin-- > 0;)
+            locks_.renewInChild(heap_.bins_[bin].taken, bin);
+    }
+
+    OSInternal::CriticalSection& vmemLock() { return vmemLock_; }
+    BinLocks& locks() { return locks_; }
+
+    // A region that starts at a chunk's boundary gives up its whole first chunk, deliberately.
+    void add(std::byte* region)
+    {
+        const std::lock_guard lock(vmemLock_);
+        regions_.push_back(region);
+        chunkCursor_ = region + (kChunkSize - addressOf(region) % kChunkSize);
+        chunkRemaining_ = static_cast<std::size_t>(region + kRegionSize - chunkCursor_);
+    }
+    bool hasChunk() const { return chunkRemaining_ >= kChunkSize; }
+    std::byte* takeChunk()
+    {
+        std::byte* chunk = chunkCursor_;
+        chunkCursor_ += kChunkSize;
+        chunkRemaining_ -= kChunkSize;
+        return chunk;
+    }
+
+private:
+    MTHeap& heap_;
+    OSInternal::CriticalSection vmemLock_{0};
+    BinLocks locks_;
+    std::byte* chunkCursor_ = nullptr;
+    std::size_t chunkRemaining_ = 0;
+    std::vector<void*, ProcessHeapAllocator<void*>> regions_;
+};
+
+class MTHeap::BinGuard
+{
+public:
+    BinGuard(MTHeap& heap, std::uint32_t bin) : heap_(heap), bin_(bin)
+    {
+        heap_.memory_->locks().lock(heap_.bins_[bin_].taken, bin_);
+    }
+    ~BinGuard() { heap_.memory_->locks().unlock(heap_.bins_[bin_].taken, bin_); }
+    BinGuard(const BinGuard&) = delete;
+    BinGuard& operator=(const BinGuard&) = delete;
+
+private:
+    MTHeap& heap_;
+    const std::uint32_t bin_;
+};
+
+MTHeap::MTHeap() : memory_(std::make_unique<Memory>(*this))
+{
+    getMoreVmem();
+    memory_->enrol();
+}
+
+MTHeap::~MTHeap()
+{
+    memory_->withdraw();
+}
+
+void* MTHeap::alloc(std::size_t size)
+{
+    if (size > kBinnedLimit) [[unlikely]]
+        return allocLarge(size);
+
+    const std::uint32_t index = getBinIndexFromSize(size);
+    Bin& bin = bins_[index];
+    std::byte* header;
+    {
+        const BinGuard guard(*this, index);
+        if (!bin.freeList) [[unlikely]]
+            getMoreMemoryForBin(index);
+        header = bin.freeList;
+        bin.freeList = readLink(header);
+    }
+    void* block = header + sizeof(AllocHeader);
+    writeSize(block, static_cast<AllocHeader>(size));
+    if (!isAligned(block)) [[unlikely]]
+        reportMisalignedResult();
+    return block;
+}
+
+void MTHeap::deAlloc(void* block)
+{
+    if (!block)
+        return;
+    checkArgument(block);
+    const AllocHeader size = readSize(block);
+    if (size > kBinnedLimit) [[unlikely]] {
+        if (!isAligned(block))
+            OSInternal::reportAssertion(
+                "((size_t) ptr & (iHeap::kMemAlignmentLarge - 1)) == kHeaderOffsetLarge",
+                "OS/Shared/TqHeap_MultiThreaded line 243");
+        LargeObjectHeap::instance().Free(largeBlockOf(block));
+        return;
+    }
+
+    const std::uint32_t index = getBinIndexFromSize(size);
+    std::byte* header = headerOf(block);
+    const auto placeInChunk = static_cast<std::uint32_t>(addressOf(header) % kChunkSize);
+    if (placeInChunk % static_cast<std::uint32_t>(getBinMaxSize(index)) != kHeaderOffset)
+        [[unlikely]]
+        refuseRelease();
+
+    Bin& bin = bins_[index];
+    const BinGuard guard(*this, index);
+    writeLink(header, bin.freeList);
+    bin.freeList = header;
+}
+
+void* MTHeap::reAlloc(void* block, std::size_t size)
+{
+    if (!block)
+        return alloc(size);
+    checkArgument(block);
+    const AllocHeader oldSize = readSize(block);
+    return oldSize <= kBinnedLimit ? resizeBinned(block, oldSize, size) : resizeLarge(block, size);
+}
+
+void* MTHeap::resizeBinned(void* block, std::uint32_t oldSize, std::size_t newSize)
+{
+    const std::uint32_t bin = getBinIndexFromSize(oldSize);
+    if (newSize <= getBinFreeSize(bin)) {
+        // Releasing finds the bin by the size.
+        const std::size_t smallest = bin == 0 ? 0 : getBinFreeSize(bin - 1) + 1;
+        writeSize(block, static_cast<AllocHeader>(std::max(newSize, smallest)));
+        return block;
+    }
+    void* moved = alloc(newSize);
+    std::memcpy(moved, block, oldSize);
+    try {
+        deAlloc(block);
+    } catch (...) {
+        deAlloc(moved);
+        throw;
+    }
+    return moved;
+}
+
+void* MTHeap::resizeLarge(void* block, std::size_t newSize)
+{
+    LargeObjectHeap& largeObjects = LargeObjectHeap::instance();
+    if (newSize <= kBinMaxSize) {
+        // The large-object heap rounds up: the copy stays inside a block of 32765 bytes, too.
+        void* moved = alloc(newSize);
+        std::memcpy(moved, block, newSize);
+        largeObjects.Free(largeBlockOf(block));
+        return moved;
+    }
+    if (newSize > kLargestAddressSpace)
+        return nullptr;
+    void* large = largeObjects.Realloc(largeBlockOf(block), newSize + kLargeBlockOffset);
+    if (!large)
+        return nullptr;
+    void* resized = static_cast<std::byte*>(large) + kLargeBlockOffset;
+    writeLargeSize(resized, newSize);
+    if (!isAligned(resized))
+        reportMisalignedResult();
+    return resized;
+}
+
+void* MTHeap::allocLarge(std::size_t size)
+{
+    if (size > std::numeric_limits<std::size_t>::max() - kLargeBlockOffset)
+        throw std::bad_alloc();
+    void* large = LargeObjectHeap::instance().Alloc(size + kLargeBlockOffset);
+    if (!isAligned(large))
+        OSInternal::reportAssertion("((size_t) mem & (kMemAlignmentLarge - 1)) == 0",
+                                    "OS/Shared/TqHeap_MultiThreaded line 188");
+    void* block = static_cast<std::byte*>(large) + kLargeBlockOffset;
+    writeLargeSize(block, size);
+    if (!isAligned(block))
+        reportMisalignedResult();
+    return block;
+}
+
+void MTHeap::getMoreVmem()
+{
+    void* region;
+    while (!(region = virtualAlloc(nullptr, kRegionSize, eMemReserveCommit, eProtectReadWrite))) {
+        outOfMemory_.store(true, std::memory_order_relaxed);
+        OS()->threadMgr()->sleep(kRetryPauseMs);
+    }
+    outOfMemory_.store(false, std::memory_order_relaxed);
+    if (region == MAP_FAILED) // not null, deliberately: not waited for
+        throw std::bad_alloc();
+    try {
+        memory_->add(static_cast<std::byte*>(region));
+    } catch (...) {
+        munmap(region, kRegionSize);
+        throw;
+    }
+}
+
+std::byte* MTHeap::getAlignedChunk()
+{
+    const std::lock_guard lock(memory_->vmemLock());
+    if (!memory_->hasChunk())
+        getMoreVmem(); // takes the lock again
+    return memory_->takeChunk();
+}
+
+void MTHeap::getMoreMemoryForBin(std::uint32_t bin)
+{
+    std::byte* chunk = getAlignedChunk();
+    const std::size_t stride = getBinMaxSize(bin);
+    const std::size_t count = (kChunkSize - iHeap::kMemAlignment) / stride;
+    std::byte* first = chunk + kHeaderOffset;
+    std::byte* last = first + (count - 1) * stride;
+    for (std::byte* header = first; header < last; header += stride)
+        writeLink(header, header + stride);
+    writeLink(last, nullptr);
+    bins_[bin].freeList = first;
+}
+
+void MTHeap::report()
+{
+    Heap::report();
+    LargeObjectHeap::instance().reportUsage();
+}
+
+bool MTHeap::isPointerValid(const void*) const
+{
+    return true;
+}
+
+void* MTHeap::osAlloc(std::size_t size)
+{
+    if (size > kLargestAddressSpace)
+        throw std::bad_alloc();
+    void* block;
+    while (!(block = std::malloc(size ? size : 1))) {
+        outOfMemory_.store(true, std::memory_order_relaxed);
+        OS()->threadMgr()->sleep(kRetryPauseMs);
+    }
+    if (outOfMemory_.load(std::memory_order_relaxed))
+        outOfMemory_.store(false, std::memory_order_relaxed);
+    return block;
+}
+
+void* MTHeap::osRealloc(void* block, std::size_t size)
+{
+    return std::realloc(block, size);
+}
+
+void MTHeap::osFree(void* block)
+{
+    std::free(block);
+}
+
+} // namespace Tq

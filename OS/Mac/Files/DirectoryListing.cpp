@@ -1,6 +1,6 @@
 #include "OS/Mac/Files/FileManager.h"
 
-#include "OS/Mac/Files/Wildcards.h"
+#include <OS/Files/PathFunctions.h>
 
 #include <algorithm>
 #include <dirent.h>

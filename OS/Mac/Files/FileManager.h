@@ -1,20 +1,16 @@
 #pragma once
 
+#include <OS/Files/FileProviderManager.h>
+#include <OS/Files/PathFunctions.h>
 #include <OS/Files/iFileManager.h>
 
-/// iFileManager on the POSIX calls. No state.
-class FileManager final : public iFileManager
+/// iFileManager on the POSIX calls. No state but the list of providers, which is the process's.
+class FileManager final : public iFileManager, public FileProviderManager, public PathFunctions
 {
 public:
-    /// A wide path for the system: UTF-8, with a leading "//" made "smb://". Bytes carried as
-    /// U+DC80 to U+DCFF are turned back.
-    static LightweightString<char> TqtoOS(const LightweightString<wchar_t>& path);
-    /// The reverse. "smb://server/share" becomes "/server/share" with one leading "/": deliberately
-    /// no inverse.
-    static LightweightString<wchar_t> OStoTq(const LightweightString<char>& path);
-    /// Whether a path contains "://".
-    static bool isURI(const LightweightString<wchar_t>& path);
-    static bool isURI(const LightweightString<char>& path);
+    /// A local file with flags 1: what a directory is opened as. @return null when it could not be
+    static Tq::Ptr<iFile> openDirectory(const LightweightString<wchar_t>& path, unsigned int access,
+                                        iFile::eOpenBehaviour behaviour, iFile::eShareMode share);
 
     bool copyFile(const LightweightString<wchar_t>& from, const LightweightString<wchar_t>& to,
                   bool failIfExists, const ProgressCallback& progress) override;

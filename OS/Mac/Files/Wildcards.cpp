@@ -1,4 +1,4 @@
-#include "OS/Mac/Files/Wildcards.h"
+#include <OS/Files/PathFunctions.h>
 
 #include <algorithm>
 #include <iterator>

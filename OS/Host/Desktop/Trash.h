@@ -1,0 +1,14 @@
+#pragma once
+
+#include <OS/Core/LightweightString.h>
+
+namespace OSInternal {
+
+/// Moves a file, a link or a folder into the desktop's trash (freedesktop.org trash specification):
+/// the home trash, or that of the file system which holds it.
+///
+/// @param path bytes as the system has them
+/// @return false, everything in place, where there is no trash for it
+bool moveToTrash(const LightweightString<char>& path);
+
+} // namespace OSInternal

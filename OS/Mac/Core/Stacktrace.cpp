@@ -13,7 +13,7 @@ constexpr int kOwnFrames = 2;
 
 struct Free
 {
-    void operator()(char* text) const { std::free(text); }
+    void operator()(void* memory) const { std::free(memory); }
 };
 
 LightweightString<char> printable(const char* line)
@@ -44,6 +44,14 @@ void Stacktrace::getPrintableStrings(std::vector<LightweightString<char>>& lines
 {
     for (int i = kOwnFrames; symbols_ && i < count_; ++i)
         lines.push_back(printable(symbols_[i]));
+}
+
+void Stacktrace::describe(void* const* addresses, int count,
+                          std::vector<LightweightString<char>>& lines)
+{
+    const std::unique_ptr<char*, Free> symbols(backtrace_symbols(addresses, count));
+    for (int i = 0; symbols && i < count; ++i)
+        lines.push_back(printable(symbols.get()[i]));
 }
 
 void Stacktrace::get(std::vector<LightweightString<char>>& lines)

@@ -17,6 +17,10 @@ public:
     /// the system gives it. Appends nothing when there are fewer than three frames.
     void getPrintableStrings(std::vector<LightweightString<char>>& lines) const;
 
+    /// Appends one such line for each of these return addresses, which were taken earlier.
+    static void describe(void* const* addresses, int count,
+                         std::vector<LightweightString<char>>& lines);
+
     /// Captures and appends in one step.
     static void get(std::vector<LightweightString<char>>& lines);
 

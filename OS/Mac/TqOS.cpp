@@ -9,6 +9,7 @@
 
 TqOS::TqOS()
 {
+    heap_.useDebugHeapIfAsked();
     std::setlocale(LC_NUMERIC, "C");
     pthread_setname_np(pthread_self(), "Main thread");
 }

@@ -2,7 +2,7 @@
 
 #include <OS/Files/iProcessManager.h>
 
-/// iProcessManager. No state.
+/// iProcessManager on posix_spawn. No state of its own: ChildWatcher keeps what runs.
 class ProcessManager final : public iProcessManager
 {
 public:

@@ -11,6 +11,9 @@
 
 #include <QStandardPaths>
 
+#include <csignal>
+#include <sstream>
+
 namespace {
 
 std::string location(int which)
@@ -22,6 +25,46 @@ std::string location(int which)
 std::string description()
 {
     return OSInternal::pathToSystem(OS()->fileMgr()->getAppDescription()).c_str();
+}
+
+// A desktop whose opener writes its arguments, one a line, and what surrounds it into files.
+class FakeDesktop : public HomeFolder
+{
+public:
+    FakeDesktop()
+    {
+        std::filesystem::create_directory(path("bin"));
+        write("bin/xdg-open", "#!/bin/sh\n"
+                              "printf '%s\\n' \"$#\" \"$@\" > \"$0.new\"\n"
+                              "ls -l /proc/$$/fd > \"$0.streams\"\n"
+                              "cut -d' ' -f1,6 /proc/$$/stat > \"$0.session\"\n"
+                              "mv \"$0.new\" \"$0.log\"\n");
+        chmod(path("bin/xdg-open").c_str(), 0755);
+        setenv("PATH", (path("bin") + ":" + path_).c_str(), 1);
+    }
+    ~FakeDesktop() { setenv("PATH", path_.c_str(), 1); }
+
+    void removeOpener() const
+    {
+        std::filesystem::remove(path("bin/xdg-open"));
+        setenv("PATH", path("bin").c_str(), 1);
+    }
+    // What the opener was started with, once it was.
+    std::string arguments() const
+    {
+        waitUntil([&] { return std::filesystem::exists(path("bin/xdg-open.log")); });
+        const std::string found = read("bin/xdg-open.log");
+        std::filesystem::remove(path("bin/xdg-open.log"));
+        return found;
+    }
+
+private:
+    std::string path_ = std::getenv("PATH");
+};
+
+LightweightString<wchar_t> wide(const std::string& text)
+{
+    return OSInternal::textFromSystem(text);
 }
 
 std::string toolkits(QStandardPaths::StandardLocation which)
@@ -151,4 +194,65 @@ TEST(Shell, KeepsOneStoreForEachScope)
     EXPECT_NE(shell->getSettings(iSettings::eGlobal).get(), found[0]);
     EXPECT_FALSE(shell->getSettings(static_cast<iSettings::eType>(2)));
     EXPECT_FALSE(shell->getSettings(static_cast<iSettings::eType>(-1)));
+}
+
+TEST(Shell, OpensDocumentsAndFoldersWithTheDesktopsProgram)
+{
+    const FakeDesktop desktop;
+    iShell* shell = OS()->shell();
+    for (const std::string name : {"plain", "two words; rm -rf $HOME", "-n", "\u00e9\xFF"}) {
+        const std::string path = desktop.write(name, "text");
+        EXPECT_TRUE(shell->viewDocument(wide(path)));
+        EXPECT_EQ(desktop.arguments(), "1\n" + path + "\n");
+        EXPECT_TRUE(shell->viewFolder(wide(path)));
+        EXPECT_EQ(desktop.arguments(), "1\n" + desktop.path("") + "\n");
+    }
+    EXPECT_TRUE(shell->viewFolder(wide(desktop.path("bin"))));
+    EXPECT_EQ(desktop.arguments(), "1\n" + desktop.path("bin") + "\n");
+
+    const std::string before = std::filesystem::current_path();
+    std::filesystem::current_path(desktop.path());
+    EXPECT_TRUE(shell->viewDocument(L"-n"));
+    EXPECT_EQ(desktop.arguments(), "1\n" + desktop.path("-n") + "\n") << "never an option";
+    std::filesystem::current_path(before);
+
+    for (const std::string missing : {"", "/no/such/file"}) {
+        EXPECT_FALSE(shell->viewDocument(wide(missing)));
+        EXPECT_FALSE(shell->viewFolder(wide(missing)));
+    }
+    desktop.removeOpener();
+    EXPECT_FALSE(shell->viewDocument(wide(desktop.path("plain"))));
+}
+
+TEST(Shell, OpensAddressesButNoFilesAndNoOptions)
+{
+    const FakeDesktop desktop;
+    iShell* shell = OS()->shell();
+    for (const std::string address : {"https://example.org/a?b=c&d=$(e)#f", "mailto:a@example.org",
+                                      "web+x.y-1:z", "//nas/films"}) {
+        const bool isAddress = address[0] != '/';
+        EXPECT_TRUE(isAddress ? shell->viewAddress(wide(address))
+                              : shell->viewFolder(wide(address)));
+        EXPECT_EQ(desktop.arguments(), "1\n" + (isAddress ? address : "smb:" + address) + "\n");
+    }
+    for (const std::string address :
+         {"", "example.org", ":x", "/etc/passwd", "-x:y", "1a:b", "a b:c", "file:///etc/passwd",
+          "FILE:/etc/passwd", "https://a\nb", "https://a\tb", "https://a\u0085b", "--help"})
+        EXPECT_FALSE(shell->viewAddress(wide(address))) << address;
+    EXPECT_FALSE(shell->viewAddress(LightweightString<wchar_t>(L"https://a\0b", 11)));
+    EXPECT_FALSE(std::filesystem::exists(desktop.path("bin/xdg-open.log")));
+}
+
+TEST(Shell, LetsTheOpenerGoItsOwnWay)
+{
+    const FakeDesktop desktop;
+    ASSERT_TRUE(OS()->shell()->viewAddress(L"https://example.org/"));
+    desktop.arguments();
+    const std::string streams = desktop.read("bin/xdg-open.streams");
+    for (const char* stream : {" 0 -> /dev/null\n", " 1 -> ", " 2 -> /dev/null\n"})
+        EXPECT_NE(streams.find(stream), streams.npos) << streams;
+    pid_t id = 0, session = 0;
+    std::istringstream(desktop.read("bin/xdg-open.session")) >> id >> session;
+    EXPECT_EQ(id, session);
+    EXPECT_TRUE(waitUntil([&] { return kill(id, 0) != 0; })) << "no zombie stays";
 }

@@ -30,7 +30,8 @@ public:
     virtual Tq::Ptr<iSettings> getSettings(iSettings::eType type) = 0;
     /// @return empty for anything that is no location
     virtual LightweightString<wchar_t> getFolderLocation(eFolderLocation location) = 0;
-    /// Opens a file with the program that the desktop has for it. Does not wait for that program.
+    /// Opens a file with the program that the desktop has for it (xdg-open). Does not wait for that
+    /// program.
     /// @return false when the file is missing or the desktop has no way to open it
     virtual bool viewDocument(const LightweightString<wchar_t>& path) = 0;
     /// Shows a folder in the desktop's file manager; for a file, the folder that holds it.
@@ -43,7 +44,8 @@ public:
     /// The claim is an advisory lock on ".thereCanBeOnlyOne" in the preferences folder, so it ends
     /// with the process however that ends; the file itself stays.
     ///
-    /// @return what holds the claim: keep it while the program runs. Null when another process has
-    /// it. Where no marker can be made (a read-only home) the claim is granted without one.
+    /// @return what holds the claim: keep it while the program runs. Null while it is held already,
+    /// by another process or this one. Where no marker can be made (a read-only home) the claim is
+    /// granted without one.
     virtual Tq::Ptr<iObject> claimSingleInstance() = 0;
 };

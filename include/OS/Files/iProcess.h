@@ -19,8 +19,8 @@ public:
     /// Waits for the end. @param timeoutMs kForever waits without end
     /// @return whether it has ended
     virtual bool wait(unsigned int timeoutMs) = 0;
-    /// Its exit status; 128 plus the signal that ended it; -1 while it runs, and when something else
-    /// in this program has collected it.
+    /// Its exit status; 128 plus the signal that ended it; -1 while it runs, and when something
+    /// else in this program has collected it.
     virtual int getExitCode() = 0;
     /// The bytes of its standard output so far: all of them once it has ended; empty unless
     /// captured. At most 64 MiB are kept, the rest is read and dropped.

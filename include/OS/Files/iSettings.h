@@ -10,8 +10,8 @@
 ///
 /// The file is read when the object is made; changes stay in memory until persist(). Values are
 /// text: callers convert. A name may not contain "=" nor begin with "[", and neither name nor value
-/// may contain a line break: the file knows no quoting. What it can not hold stays in memory: a save
-/// ends such a value at the line break, leaves such a name out, and prints one line.
+/// may contain a line break: the file knows no quoting. What it can not hold stays in memory: a
+/// save ends such a value at the line break, leaves such a name out, and prints one line.
 ///
 /// A null or empty section means "Configuration" in the global scope and the section without a name
 /// in the user's. A null name or value is an empty one. setValue, getValue and removeValue take the

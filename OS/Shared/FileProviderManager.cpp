@@ -17,6 +17,7 @@ using Provider = Tq::Ptr<iFileProvider>;
 using Providers = std::vector<Provider>;
 
 constexpr std::wstring_view kPrefix = L"Virtual:";
+constexpr auto kPrefixLength = static_cast<Text::size_type>(kPrefix.size());
 
 // A change makes a new list, so that whoever asks the providers holds the old one and no lock.
 struct Registry
@@ -82,7 +83,7 @@ bool FileProviderManager::isVirtual(const Text& path)
 Text FileProviderManager::getProviderID(const Text& path)
 {
     const auto space = separator(path);
-    return space == path.npos ? Text() : path.substr(kPrefix.size(), space - kPrefix.size());
+    return space == path.npos ? Text() : path.substr(kPrefixLength, space - kPrefixLength);
 }
 
 Text FileProviderManager::getRemoteFileName(const Text& path)

@@ -99,18 +99,20 @@ LightweightString<char> textToSystem(std::wstring_view text)
 
 LightweightString<wchar_t> textFromSystem(std::string_view text)
 {
-    LightweightString<wchar_t> result;
-    result.reserve(static_cast<std::uint32_t>(text.size()));
+    // Filled in place: a listing makes one of these for each name.
+    LightweightString<wchar_t> result(static_cast<std::uint32_t>(text.size()), L'\0');
+    wchar_t* const first = result.writableData();
+    wchar_t* out = first;
     while (!text.empty()) {
-        wchar_t c = 0;
-        std::size_t length = decodeUtf8(text, c);
+        std::size_t length = decodeUtf8(text, *out);
         if (length == 0) {
-            c = kRawByte + static_cast<unsigned char>(text.front());
+            *out = kRawByte + static_cast<unsigned char>(text.front());
             length = 1;
         }
-        result.push_back(c);
+        ++out;
         text.remove_prefix(length);
     }
+    result.resize(static_cast<std::uint32_t>(out - first));
     return result;
 }
 

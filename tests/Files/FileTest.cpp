@@ -1,4 +1,5 @@
 #include "OS/Mac/Files/File.h"
+#include "Files/SteppingClock.h"
 #include "Files/WideFolder.h"
 #include "support/BackgroundThread.h"
 #include "support/OutputCapture.h"
@@ -194,6 +195,34 @@ TEST_F(FileTest, AsynchronousTransfersAreRefusedWithALine)
               line("208"));
     EXPECT_EQ(std::string(buffer.data(), 4), "keep");
     EXPECT_EQ(folder_.read("file"), "text");
+}
+
+// The clock starts at 1000 s and each look at it takes the time of the case.
+TEST_F(FileTest, SlowReadsAreReported)
+{
+    folder_.write("file", "text");
+    const auto file = open("file", iFile::eAccessReadWrite);
+    char byte;
+    const auto printed = [&](int stepMs, auto transfer) {
+        return outputOf([&] {
+            const SteppingClock clock(stepMs);
+            transfer();
+        });
+    };
+    const auto read = [&] { EXPECT_EQ(file->read(&byte, 1), 1u); };
+    EXPECT_EQ(printed(10, read), "") << "more than 10 ms";
+    EXPECT_EQ(printed(11, read), "1000.022 : read elapsed 11.000ms\n");
+
+    const auto readAt = [&](unsigned long long offset) {
+        return [&, offset] { file->readAt(offset, &byte, 1); };
+    };
+    EXPECT_EQ(printed(10, readAt(0)), "");
+    EXPECT_EQ(printed(21, readAt(0)), "1000.042 : read elapsed 21.000ms\nread elapsed 21.000ms\n");
+    EXPECT_EQ(printed(10, readAt(2)), "") << "seek and read together took 20 ms";
+    EXPECT_EQ(printed(11, readAt(3)), "1000.033 : read elapsed 11.000ms\nread elapsed 22.000ms\n");
+    EXPECT_EQ(printed(21, readAt(4)), "seek elapsed 21.000ms\n1000.063 : read elapsed "
+                                      "21.000ms\nread elapsed 42.000ms\n");
+    EXPECT_EQ(printed(50, [&] { file->writeAt(0, &byte, 1); }), "") << "writes are not timed";
 }
 
 TEST_F(FileTest, PipesTransferButHaveNoPosition)

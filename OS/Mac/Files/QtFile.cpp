@@ -59,6 +59,8 @@ bool QtFile::isOpen() const
 unsigned int QtFile::read(void* buffer, unsigned int length)
 {
     const Lock lock(*lock_);
+    if (!file_.isReadable()) // the toolkit would print a warning
+        return 0;
     const qint64 count = file_.read(static_cast<char*>(buffer), length);
     return count < 0 ? 0 : static_cast<unsigned int>(count);
 }
@@ -73,7 +75,8 @@ unsigned int QtFile::readAt(unsigned long long offset, void* buffer, unsigned in
 bool QtFile::write(void* buffer, unsigned int length)
 {
     const Lock lock(*lock_);
-    return file_.write(static_cast<const char*>(buffer), length) == static_cast<qint64>(length);
+    return file_.isWritable() &&
+           file_.write(static_cast<const char*>(buffer), length) == static_cast<qint64>(length);
 }
 
 bool QtFile::writeAt(unsigned long long offset, void* buffer, unsigned int length)

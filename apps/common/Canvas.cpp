@@ -10,6 +10,8 @@ namespace App {
 
 namespace {
 
+constexpr wchar_t kEllipsis[] = L"\u2026";
+
 template <class T>
 void send(iGraphicPrimitivesRenderer& renderer, std::vector<T>& descs)
 {
@@ -218,7 +220,6 @@ Text Canvas::fitted(const Text& text, int available, const Theme::Type& type)
 {
     if (width(text, type) <= available)
         return text;
-    static constexpr wchar_t kEllipsis[] = L"\u2026";
     const int room = available - width(kEllipsis, type);
     const std::vector<int> positions = boundaries(text, type);
     std::uint32_t kept = 0;
@@ -227,6 +228,20 @@ Text Canvas::fitted(const Text& text, int available, const Theme::Type& type)
     if (kept == 0)
         return room >= 0 ? Text(kEllipsis) : Text();
     return text.substr(0, kept).trimmed() + kEllipsis;
+}
+
+Text Canvas::fittedPath(const Text& path, int available, const Theme::Type& type)
+{
+    if (width(path, type) <= available)
+        return path;
+    const int room = available - width(kEllipsis, type);
+    const std::vector<int> positions = boundaries(path, type);
+    if (room < 0 || positions.empty())
+        return {};
+    std::uint32_t from = 0;
+    while (from + 1 < positions.size() && positions.back() - positions[from] > room)
+        ++from;
+    return kEllipsis + path.substr(from);
 }
 
 void Canvas::clip(const Rect& rect)

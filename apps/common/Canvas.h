@@ -58,6 +58,8 @@ public:
     std::vector<int> boundaries(const Text& text, const Theme::Type& type);
     /// The text, or as much of it as fits with an ellipsis behind; empty when not even that fits.
     Text fitted(const Text& text, int width, const Theme::Type& type);
+    /// The same for a path: an ellipsis stands for its start.
+    Text fittedPath(const Text& path, int width, const Theme::Type& type);
 
     /// Nothing outside the rectangle is drawn until endClip().
     void clip(const Rect& rect);

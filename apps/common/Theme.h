@@ -36,6 +36,18 @@ inline const NormalisedRGB kAccent = rgb(0x4C8DFF);
 inline const NormalisedRGB kKey = rgb(0xFFD166);
 inline const NormalisedRGB kStatus = rgb(0x0E1014);
 
+/// What is filled with a colour of its own darkens a little towards the bottom.
+struct Gradient
+{
+    NormalisedRGB top;
+    NormalisedRGB bottom;
+};
+inline const Gradient kGold{rgb(0x8A6A2F), rgb(0x6E5323)};
+inline const Gradient kBlue{rgb(0x356B96), rgb(0x284F70)};
+inline const Gradient kTeal{rgb(0x2B7A78), rgb(0x1F5B5A)};
+inline const Gradient kPurple{rgb(0x5A4A8C), rgb(0x43376A)};
+inline const Gradient kRed{rgb(0x9C4347), rgb(0x7A3438)};
+
 /// What lies under the pointer is lighter, what is pressed is darker.
 inline NormalisedRGB hovered(const NormalisedRGB& colour)
 {

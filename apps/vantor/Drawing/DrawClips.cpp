@@ -8,19 +8,8 @@ namespace Vantor {
 
 namespace {
 
-struct ClipLook
-{
-    NormalisedRGB top;
-    NormalisedRGB bottom;
-};
-
 /// In the order of the tracks.
-const ClipLook kLooks[] = {
-    {Theme::rgb(0x8A6A2F), Theme::rgb(0x6E5323)},
-    {Theme::rgb(0x356B96), Theme::rgb(0x284F70)},
-    {Theme::rgb(0x2B7A78), Theme::rgb(0x1F5B5A)},
-    {Theme::rgb(0x5A4A8C), Theme::rgb(0x43376A)},
-};
+const Theme::Gradient kLooks[] = {Theme::kGold, Theme::kBlue, Theme::kTeal, Theme::kPurple};
 
 void drawThumbnail(Scene& scene, const Clip& clip, const Rect& rect)
 {
@@ -76,7 +65,7 @@ void drawClip(Scene& scene, int index, const Clip& clip)
     const Hit& hover = scene.state.hover;
     const bool held = scene.state.drag.moved && scene.state.drag.index == index &&
                       scene.state.drag.kind == Drag::Kind::eClip;
-    ClipLook look = kLooks[static_cast<std::size_t>(clip.track)];
+    Theme::Gradient look = kLooks[static_cast<std::size_t>(clip.track)];
     const bool hovered = hover.is(Area::eClip, index) || hover.is(Area::eClipStart, index) ||
                          hover.is(Area::eClipEnd, index);
     if (hovered)

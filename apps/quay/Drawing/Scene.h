@@ -1,0 +1,31 @@
+#pragma once
+
+#include "View/BoardState.h"
+#include "common/Canvas.h"
+
+namespace Quay {
+
+/// What the drawing of one frame works with.
+struct Scene
+{
+    Canvas& canvas;
+    const BoardState& state;
+    const Layout layout;
+};
+
+/// Draws the whole window.
+void drawBoard(const BoardState& state, Resources& resources,
+               const Tq::Ptr<iGraphicPrimitivesRenderer>& renderer);
+
+/// Draws one row of a panel. @param at the hit that the row's first action would be
+void drawRow(Scene& scene, const Row& row, const Rect& rect, const Hit& at);
+
+/// The area under a history, in a rectangle, the newest reading at its right edge.
+void drawHistory(Canvas& canvas, const History& history, const Rect& rect,
+                 const Theme::Gradient& look, bool smooth);
+
+const Theme::Gradient& lookOf(Tone tone);
+/// A colour of a tone that is seen on a panel.
+NormalisedRGB brightOf(Tone tone);
+
+} // namespace Quay

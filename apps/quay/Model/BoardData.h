@@ -1,0 +1,154 @@
+#pragma once
+
+#include "Model/History.h"
+#include "Model/Text.h"
+
+#include <OS/Files/iDiskDrive.h>
+
+#include <cstdint>
+#include <vector>
+
+namespace Quay {
+
+// What the board shows, as plain data: it can be gathered from the library or made up by a test.
+
+struct Processors
+{
+    unsigned int configured = 0;
+    History all;
+    std::vector<History> each; ///< by the processor's number
+};
+
+struct Memory
+{
+    std::uint64_t total = 0;
+    std::uint64_t available = 0;
+    std::uint64_t wired = 0;
+    std::uint64_t resident = 0; ///< of this program
+    std::uint64_t mapped = 0;   ///< by this program
+    History used;
+
+    double usedPart() const
+    {
+        return total == 0 || available > total
+                   ? 0.0
+                   : 1.0 - static_cast<double>(available) / static_cast<double>(total);
+    }
+};
+
+struct Monitor
+{
+    Text name;
+    Rect full;    ///< on the desktop, logical pixels
+    Rect desktop; ///< what panels and docks leave
+    Point sizeMm; ///< (0, 0): unknown
+    double scale = 1.0;
+    double refreshHz = 0.0; ///< 0: unknown
+    int bitsPerPixel = 0;
+    bool primary = false;
+};
+
+struct Drive
+{
+    Text name;
+    Text path;
+    Text fileSystem;
+    iDiskDrive::eType type = iDiskDrive::eFixed;
+    bool readOnly = false;
+    std::uint64_t total = 0;
+    std::uint64_t free = 0;
+};
+
+struct Drives
+{
+    bool read = false; ///< false: the system did not tell
+    std::vector<Drive> drives;
+};
+
+struct Share
+{
+    Text name;
+    Text path;
+};
+
+struct Server
+{
+    Text name;
+    std::vector<Share> shares;
+};
+
+struct Mount
+{
+    Text address;
+    Text path;
+    Text name;
+    bool byDesktop = false;
+};
+
+struct Network
+{
+    std::vector<Server> servers;
+    std::vector<Mount> mounts;
+};
+
+struct Folder
+{
+    Text label;
+    Text path; ///< empty: the system has none
+    bool present = false;
+    bool writable = false;
+};
+
+struct Setting
+{
+    Text name;
+    Text value;
+};
+
+struct SettingsSection
+{
+    Text name;
+    std::vector<Setting> settings;
+};
+
+/// The settings of one scope.
+struct SettingsStore
+{
+    Text label;
+    Text path;
+    bool present = false; ///< the file is there
+    std::vector<SettingsSection> sections;
+};
+
+struct SystemFacts
+{
+    Text application;
+    Text computer;
+    Text version;
+    Text driver; ///< of the graphics; empty until it has been started
+    Text programFolder;
+    Text programName;
+    unsigned int process = 0;
+    bool memoryShort = false; ///< the heap is waiting for memory
+};
+
+/// What may take its time: volumes that do not answer are asked on another thread.
+struct Volumes
+{
+    Drives drives;
+    Network network;
+    std::vector<Folder> folders;
+};
+
+struct BoardData
+{
+    Processors processors;
+    Memory memory;
+    std::vector<Monitor> monitors;
+    Volumes volumes;
+    std::vector<SettingsStore> settings;
+    SystemFacts system;
+    int readings = 0;
+};
+
+} // namespace Quay

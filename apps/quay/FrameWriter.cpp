@@ -19,6 +19,8 @@ constexpr int kReadingMs = 50; ///< the kernel counts in steps of 10 ms
 
 BoardData watch(int milliseconds)
 {
+    // Without a window nothing else has asked for the application that knows the monitors.
+    Resources(1.0).font(Theme::kFact);
     BoardData data;
     data.monitors = gatherMonitors();
     data.settings = gatherSettings();

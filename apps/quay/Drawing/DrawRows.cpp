@@ -41,8 +41,9 @@ struct RowDrawer
     void operator()(const HeadingRow& row) const
     {
         const Rect line{rect.left, rect.bottom - 20, rect.right, rect.bottom};
-        canvas.fill({rect.left, rect.top + 5, rect.right, rect.top + 6},
-                    Theme::mix(Theme::kPanel, Theme::kTick, 0.45f));
+        if (at.row > 0)
+            canvas.fill({rect.left, rect.top + 5, rect.right, rect.top + 6},
+                        Theme::mix(Theme::kPanel, Theme::kTick, 0.45f));
         const Text text = canvas.fitted(row.text, line.width() * 2 / 3, Theme::kFact);
         const int width = canvas.text(text, line.left, baselineIn(line, Theme::kFact), Theme::kFact,
                                       Theme::kText);
@@ -60,11 +61,12 @@ struct RowDrawer
     void operator()(const GraphRow& row) const
     {
         canvas.fill(rect, kWell);
-        for (int quarter = 1; quarter < 4; ++quarter) {
-            const int y = rect.top + rect.height() * quarter / 4;
-            canvas.fill({rect.left, y, rect.right, y + 1}, Theme::mix(kWell, Theme::kTick, 0.3f));
+        const Rect graph{rect.left, rect.top + kGraphText, rect.right, rect.bottom};
+        for (int quarter = 0; quarter < 4; ++quarter) {
+            const int y = graph.top + graph.height() * quarter / 4;
+            canvas.fill({graph.left, y, graph.right, y + 1}, Theme::mix(kWell, Theme::kTick, 0.3f));
         }
-        drawHistory(canvas, row.history, rect, lookOf(row.tone), true);
+        drawHistory(canvas, row.history, graph, lookOf(row.tone), true);
         const int width =
             canvas.textRight(row.value, rect.right - 8, rect.top + 21, Theme::kClock, Theme::kText);
         canvas.text(canvas.fitted(row.label, rect.width() - width - 32, Theme::kSmall),
@@ -195,14 +197,17 @@ struct RowDrawer
         const Theme::Gradient& look = lookOf(row.tone);
         canvas.fill(cell, kWell);
         const Rect meter{cell.left, cell.bottom - 3, cell.right, cell.bottom};
-        drawHistory(canvas, history, {cell.left, cell.top, cell.right, meter.top - 1}, look, false);
+        const bool words = cell.height() >= 36;
+        drawHistory(canvas, history,
+                    {cell.left, cell.top + (words ? kCellText : 1), cell.right, meter.top - 1},
+                    look, false);
         canvas.fill(meter, Theme::kHeader);
         const double load = history.last();
         canvas.fill({meter.left, meter.top,
                      meter.left + static_cast<int>(std::lround(meter.width() * load)),
                      meter.bottom},
                     load >= 0.9 ? brightOf(Tone::eRed) : brightOf(row.tone));
-        if (cell.height() < 24)
+        if (!words)
             return;
         const Text name = decimal(index + 1);
         const int baseline = cell.top + 13;
@@ -281,15 +286,21 @@ void drawHistory(Canvas& canvas, const History& history, const Rect& rect,
         return rect.bottom - 1 - static_cast<int>(std::lround((rect.height() - 2) * v));
     };
     const NormalisedRGB bright = Theme::mix(look.top, Theme::kWhite, 0.3f);
+    int above = yOf(value(0));
     for (int x = std::max(rect.left, xOf(0)); x < rect.right; ++x) {
         const double place =
             std::clamp(count - 1 - (rect.right - x) / step, 0.0, static_cast<double>(count - 1));
         const int before = static_cast<int>(place);
         const int after = std::min(before + 1, count - 1);
         const int y = yOf(std::lerp(value(before), value(after), place - before));
-        canvas.fill({x, y, x + 1, rect.bottom}, look.top, look.bottom);
+        // One gradient for all of the graph: what is higher is brighter.
+        const auto depth =
+            static_cast<float>(y - rect.top) / static_cast<float>(std::max(1, rect.height()));
+        canvas.fill({x, y, x + 1, rect.bottom}, Theme::mix(look.top, look.bottom, depth),
+                    look.bottom);
         if (!smooth)
-            canvas.fill({x, y, x + 1, y + 1}, bright);
+            canvas.fill({x, std::min(y, above), x + 1, std::max(y + 1, above)}, bright);
+        above = y;
     }
     for (int i = 0; smooth && i + 1 < count; ++i) {
         const Point from{xOf(i), yOf(value(i))};

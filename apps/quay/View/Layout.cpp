@@ -16,7 +16,6 @@ constexpr int kHeader = 28;
 constexpr int kSide = 12; ///< between a panel's edge and its rows
 constexpr int kAbove = 10;
 constexpr int kBelow = 12;
-constexpr int kWidest = 620; ///< columns are no wider where there are panels for more
 constexpr int kNarrowest = 296;
 constexpr int kCellGap = 4;
 
@@ -45,10 +44,10 @@ CellGrid cellGrid(int count, int width)
 int stretchedHeight(const Row& row, int width)
 {
     const int height = rowHeight(row, width);
-    if (std::holds_alternative<GraphRow>(row))
-        return height * 4;
-    if (std::holds_alternative<CellsRow>(row) || std::holds_alternative<MapRow>(row))
+    if (std::holds_alternative<GraphRow>(row) || std::holds_alternative<MapRow>(row))
         return height * 3;
+    if (std::holds_alternative<CellsRow>(row))
+        return height * 2;
     return height;
 }
 
@@ -62,9 +61,17 @@ int gapBehind(const Row& row)
     return std::holds_alternative<ChoiceRow>(row) ? 4 : 0;
 }
 
+/// Between a panel's header and its first row: headings bring room of their own.
+int gapAbove(const Panel& panel)
+{
+    const bool heading =
+        !panel.rows.empty() && std::holds_alternative<HeadingRow>(panel.rows.front());
+    return heading ? kAbove - 8 : kAbove;
+}
+
 int panelHeight(const Panel& panel, int width)
 {
-    int height = kHeader + kAbove + kBelow;
+    int height = kHeader + gapAbove(panel) + kBelow;
     for (std::size_t i = 0; i < panel.rows.size(); ++i)
         height += rowHeight(panel.rows[i], width - 2 * kSide) +
                   (i + 1 < panel.rows.size() ? gapBehind(panel.rows[i]) : 0);
@@ -95,11 +102,18 @@ Flow flowInto(const std::vector<Panel>& panels, int columns, int width)
     return flow;
 }
 
+/// Columns are no wider than this where there are panels for more: lines stay short, and in tall
+/// windows a column holds enough to reach their end.
+int widestColumn(int height)
+{
+    return std::clamp(height * 2 / 3, 640, 1000);
+}
+
 /// The fewest columns that show everything, else as many as there is room for.
 Flow bestFlow(const std::vector<Panel>& panels, const Point& room)
 {
     const int count = std::max(1, static_cast<int>(panels.size()));
-    const int fewest = std::clamp(ceilDiv(room.x, kWidest + kGap), 1, count);
+    const int fewest = std::clamp(ceilDiv(room.x, widestColumn(room.y) + kGap), 1, count);
     const int most = std::clamp((room.x + kGap) / (kNarrowest + kGap), fewest, count);
     Flow flow = flowInto(panels, fewest, room.x);
     for (int columns = fewest + 1; columns <= most && flow.height > room.y; ++columns) {
@@ -144,7 +158,7 @@ PanelPlace placePanel(const Panel& panel, const Rect& top, const std::vector<int
 {
     PanelPlace place;
     place.header = {top.left, top.top, top.right, top.top + kHeader};
-    int y = place.header.bottom + kAbove;
+    int y = place.header.bottom + gapAbove(panel);
     for (std::size_t i = 0; i < panel.rows.size(); ++i) {
         place.rows.push_back({top.left + kSide, y, top.right - kSide, y + heights[i]});
         y += heights[i] + (i + 1 < panel.rows.size() ? gapBehind(panel.rows[i]) : 0);
@@ -186,7 +200,7 @@ int rowHeight(const Row& row, int width)
         int operator()(const FactRow&) const { return 20; }
         int operator()(const HeadingRow&) const { return 28; }
         int operator()(const NoteRow&) const { return 20; }
-        int operator()(const GraphRow&) const { return 64; }
+        int operator()(const GraphRow&) const { return 76; }
         int operator()(const CellsRow& cells) const
         {
             const CellGrid grid = cellGrid(static_cast<int>(cells.cells.size()), width);

@@ -113,7 +113,7 @@ TEST(DrawingTest, NoTextLeavesItsPanel)
                 }
                 const Tq::Ptr<TextRecorder> recorder(new TextRecorder);
                 drawBoard(state, resources, recorder);
-                EXPECT_GT(recorder->texts.size(), 10u);
+                EXPECT_GT(recorder->texts.size(), 5u);
                 for (const TextDescription& text : recorder->texts)
                     EXPECT_TRUE(liesIn(text, places, 2))
                         << OS()->utils()->toUTF8(text.text_).c_str() << " at " << text.pos_.x

@@ -9,6 +9,8 @@ namespace {
 
 const NormalisedRGB kWell = Theme::rgb(0x15171C); ///< what bars and graphs are cut into
 constexpr int kRowGap = 12;                       ///< between a label and its value
+constexpr int kGraphText = 28;                    ///< above a graph, for its words
+constexpr int kCellText = 17;                     ///< above a small one
 
 struct RowDrawer
 {
@@ -209,14 +211,15 @@ struct RowDrawer
                     load >= 0.9 ? brightOf(Tone::eRed) : brightOf(row.tone));
         if (!words)
             return;
-        const Text name = decimal(index + 1);
+        // All cells tell the same, whatever their numbers are.
+        const int most = static_cast<int>(row.cells.size());
+        const int nameWidth = canvas.width(decimal(most), Theme::kSmall);
         const int baseline = cell.top + 13;
-        const int width = canvas.width(name, Theme::kSmall);
-        if (width + 8 <= cell.width())
-            canvas.text(name, cell.left + 5, baseline, Theme::kSmall, Theme::kDim);
-        const Text value = percentText(load);
-        if (width + canvas.width(value, Theme::kSmall) + 18 <= cell.width())
-            canvas.textRight(value, cell.right - 5, baseline, Theme::kSmall, Theme::kText);
+        if (nameWidth + 8 <= cell.width())
+            canvas.text(decimal(index + 1), cell.left + 5, baseline, Theme::kSmall, Theme::kDim);
+        if (nameWidth + canvas.width(L"100 %", Theme::kSmall) + 16 <= cell.width())
+            canvas.textRight(percentText(load), cell.right - 5, baseline, Theme::kSmall,
+                             Theme::kText);
     }
 
     void drawPlace(const MapRow::Place& place, const Rect& full, const Rect& inner) const

@@ -36,6 +36,10 @@ CellGrid cellGrid(int count, int width)
     const int least = count <= 8 ? 88 : count <= 16 ? 72 : count <= 64 ? 44 : 28;
     const int height = count <= 16 ? 40 : count <= 64 ? 28 : 20;
     const int most = std::clamp((width + kCellGap) / (least + kCellGap), 1, std::max(count, 1));
+    // Full lines where they can be had without growing much narrower.
+    for (int columns = most; columns >= 2 && columns * 2 > most; --columns)
+        if (count % columns == 0)
+            return {columns, count / columns, height};
     const int rows = std::max(1, ceilDiv(count, most));
     return {std::max(1, ceilDiv(count, rows)), rows, height};
 }
@@ -45,7 +49,7 @@ int stretchedHeight(const Row& row, int width)
 {
     const int height = rowHeight(row, width);
     if (std::holds_alternative<GraphRow>(row) || std::holds_alternative<MapRow>(row))
-        return height * 3;
+        return std::max(height, width / 2);
     if (std::holds_alternative<CellsRow>(row))
         return height * 2;
     return height;

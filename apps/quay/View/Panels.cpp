@@ -163,10 +163,10 @@ Panel monitorsPanel(const std::vector<Monitor>& monitors)
         if (monitor.refreshHz > 0.0)
             facts += L" \u00b7 " + shortNumber(monitor.refreshHz) + L" Hz";
         facts += L" \u00b7 " + decimal(monitor.bitsPerPixel) + L" bit";
-        if (monitor.sizeMm.x > 0 && monitor.sizeMm.y > 0)
-            facts += L" \u00b7 " + decimal(monitor.sizeMm.x) + L" \u00D7 " +
-                     decimal(monitor.sizeMm.y) + L" mm";
         panel.rows.push_back(FactRow{L"Picture", facts});
+        if (monitor.sizeMm.x > 0 && monitor.sizeMm.y > 0)
+            panel.rows.push_back(FactRow{L"Measures", decimal(monitor.sizeMm.x) + L" \u00D7 " +
+                                                          decimal(monitor.sizeMm.y) + L" mm"});
     }
     return panel;
 }
@@ -247,7 +247,7 @@ Panel settingsPanel(const std::vector<SettingsStore>& stores, const Preferences&
     units.options = {{L"KiB, GiB", {Action::Kind::eSetUnits, {}, 0}},
                      {L"kB, GB", {Action::Kind::eSetUnits, {}, 1}}};
     panel.rows.push_back(units);
-    ChoiceRow refresh{L"Readings every", {}, -1};
+    ChoiceRow refresh{L"Read every", {}, -1};
     for (const int ms : kRefreshMs) {
         if (ms == preferences.refreshMs)
             refresh.chosen = static_cast<int>(refresh.options.size());

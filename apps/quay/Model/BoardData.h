@@ -130,6 +130,7 @@ struct SystemFacts
     Text programName;
     unsigned int process = 0;
     bool memoryShort = false; ///< the heap is waiting for memory
+    bool debugHeap = false;   ///< asked for by the global settings, for heaps made later
 };
 
 /// What may take its time: volumes that do not answer are asked on another thread.

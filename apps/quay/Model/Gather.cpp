@@ -200,6 +200,8 @@ SystemFacts gatherSystem()
     facts.programName = OS()->fileMgr()->getAppName();
     facts.process = OS()->processMgr()->getCurrentProcessID();
     facts.memoryShort = OS()->heap()->outOfMemory();
+    const Tq::Ptr<iSettings> global = OS()->shell()->getSettings(iSettings::eGlobal);
+    facts.debugHeap = global && global->getValue("DebugHeap", "", nullptr) == "1";
     return facts;
 }
 

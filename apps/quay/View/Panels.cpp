@@ -178,7 +178,7 @@ Panel drivesPanel(const Drives& drives, Units units)
         panel.rows.push_back(driveRow(drive, units));
     if (drives.drives.empty())
         panel.rows.push_back(
-            NoteRow{drives.read ? L"No drive is mounted" : L"The system does not tell"});
+            NoteRow{drives.read ? L"No drive is mounted" : L"Nothing has been told yet"});
     return panel;
 }
 
@@ -236,7 +236,7 @@ Panel foldersPanel(const std::vector<Folder>& folders)
     panel.fact = decimal(static_cast<int>(present)) + L" of " +
                  decimal(static_cast<int>(folders.size())) + L" present";
     if (folders.empty())
-        panel.rows.push_back(NoteRow{L"The desktop does not tell"});
+        panel.rows.push_back(NoteRow{L"Nothing has been told yet"});
     return panel;
 }
 
@@ -285,6 +285,7 @@ Panel systemPanel(const SystemFacts& system)
     panel.rows.push_back(FactRow{L"Folder", system.programFolder, true});
     panel.rows.push_back(
         FactRow{L"Heap", system.memoryShort ? L"waits for memory" : L"has the memory it asks for"});
+    panel.rows.push_back(FactRow{L"Debug heap", system.debugHeap ? L"on for new heaps" : L"off"});
     return panel;
 }
 

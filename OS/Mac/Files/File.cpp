@@ -111,13 +111,13 @@ File::Seek File::seek(unsigned long long offset)
     return {true, true};
 }
 
+// @param position where an own position lets it start
 // @param call transfers at the kernel's position @param callAt at the given one
 template <class Call, class CallAt>
-ssize_t File::transfer(Call call, CallAt callAt)
+ssize_t File::transfer(std::int64_t position, Call call, CallAt callAt)
 {
     if (!ownPosition_)
         return call();
-    std::int64_t position = position_.load(std::memory_order_relaxed);
     const ssize_t count = callAt(position);
     // A positionAt that came meanwhile wins.
     if (count > 0)
@@ -126,11 +126,12 @@ ssize_t File::transfer(Call call, CallAt callAt)
 }
 
 // @param nowMs the clock before the read and, on return, behind it
-unsigned int File::readTimed(void* buffer, unsigned int length, double& nowMs)
+unsigned int File::readTimed(std::int64_t position, void* buffer, unsigned int length,
+                             double& nowMs)
 {
-    const ssize_t count =
-        transfer([&] { return ::read(fd_, buffer, length); },
-                 [&](std::int64_t position) { return pread(fd_, buffer, length, position); });
+    const ssize_t count = transfer(
+        position, [&] { return ::read(fd_, buffer, length); },
+        [&](std::int64_t at) { return pread(fd_, buffer, length, at); });
     const double beforeMs = std::exchange(nowMs, clockMs());
     if (nowMs - beforeMs > kSlowReadMs)
         OSInternal::printLine("%-9.3f: read elapsed %.3fms\n", nowMs / 1000.0, nowMs - beforeMs);
@@ -140,47 +141,47 @@ unsigned int File::readTimed(void* buffer, unsigned int length, double& nowMs)
 unsigned int File::read(void* buffer, unsigned int length)
 {
     const Lock lock(*lock_);
-    double now = clockMs();
-    return readTimed(buffer, length, now);
+    double nowMs = clockMs();
+    return readTimed(position_.load(std::memory_order_relaxed), buffer, length, nowMs);
 }
 
 unsigned int File::readAt(unsigned long long offset, void* buffer, unsigned int length)
 {
     const Lock lock(*lock_);
     const double startMs = clockMs();
-    double now = startMs;
+    double nowMs = startMs;
     const Seek sought = seek(offset);
     if (!sought.done_)
         return 0;
     if (sought.asked_) {
-        now = clockMs();
-        if (now - startMs > kSlowPositionedReadMs)
-            OSInternal::printLine("seek elapsed %.3fms\n", now - startMs);
+        nowMs = clockMs();
+        if (nowMs - startMs > kSlowPositionedReadMs)
+            OSInternal::printLine("seek elapsed %.3fms\n", nowMs - startMs);
     }
-    const unsigned int count = readTimed(buffer, length, now);
-    if (now - startMs > kSlowPositionedReadMs)
-        OSInternal::printLine("read elapsed %.3fms\n", now - startMs);
+    const unsigned int count = readTimed(static_cast<std::int64_t>(offset), buffer, length, nowMs);
+    if (nowMs - startMs > kSlowPositionedReadMs)
+        OSInternal::printLine("read elapsed %.3fms\n", nowMs - startMs);
     return count;
 }
 
-bool File::writeOnce(const void* buffer, unsigned int length)
+bool File::writeOnce(std::int64_t position, const void* buffer, unsigned int length)
 {
-    const ssize_t count =
-        transfer([&] { return ::write(fd_, buffer, length); },
-                 [&](std::int64_t position) { return pwrite(fd_, buffer, length, position); });
+    const ssize_t count = transfer(
+        position, [&] { return ::write(fd_, buffer, length); },
+        [&](std::int64_t at) { return pwrite(fd_, buffer, length, at); });
     return count == static_cast<ssize_t>(length);
 }
 
 bool File::write(void* buffer, unsigned int length)
 {
     const Lock lock(*lock_);
-    return writeOnce(buffer, length);
+    return writeOnce(position_.load(std::memory_order_relaxed), buffer, length);
 }
 
 bool File::writeAt(unsigned long long offset, void* buffer, unsigned int length)
 {
     const Lock lock(*lock_);
-    return seek(offset).done_ && writeOnce(buffer, length);
+    return seek(offset).done_ && writeOnce(static_cast<std::int64_t>(offset), buffer, length);
 }
 
 bool File::positionAt(unsigned long long offset)

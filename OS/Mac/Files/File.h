@@ -11,8 +11,8 @@
 /// installed without SA_RESTART), is returned as it is.
 ///
 /// The position of a regular file is kept here and each transfer names it, which spares a
-/// positioned one the call that seeks; a forked child has a position of its own. Pipes and devices
-/// have theirs in the kernel.
+/// positioned one the call that seeks and any mix with another thread's positionAt; a forked child
+/// has a position of its own. Pipes and devices have theirs in the kernel.
 class File final : public iFile
 {
 public:
@@ -54,9 +54,9 @@ private:
     };
     Seek seek(unsigned long long offset);
     template <class Call, class CallAt>
-    ssize_t transfer(Call call, CallAt callAt);
-    unsigned int readTimed(void* buffer, unsigned int length, double& nowMs);
-    bool writeOnce(const void* buffer, unsigned int length);
+    ssize_t transfer(std::int64_t position, Call call, CallAt callAt);
+    unsigned int readTimed(std::int64_t position, void* buffer, unsigned int length, double& nowMs);
+    bool writeOnce(std::int64_t position, const void* buffer, unsigned int length);
 
     Tq::Ptr<iCriticalSection> lock_;
     std::int32_t fd_ = -1;

@@ -1,11 +1,13 @@
-#include <OS/Files/PathFunctions.h>
+#include "support/BackgroundThread.h"
 #include "support/OutputCapture.h"
+#include <OS/Files/PathFunctions.h>
 
 #include <OS.h>
 #include <OS/Files/iFileManager.h>
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -81,6 +83,64 @@ TEST_F(DirectoryTest, WhatCannotBeReadAppendsNothing)
     EXPECT_TRUE(files->fileExists(path(L"b folder").c_str()));
     EXPECT_FALSE(files->fileExists(path(L"dangling").c_str()));
     EXPECT_FALSE(files->fileExists(L""));
+}
+
+TEST_F(DirectoryTest, ListsBehindWhatIsThereAndInTheOrderOfCharacters)
+{
+    const fs::path odd = folder_ / "b folder";
+    for (const char* name : {"b", "\xFF", "\xEF\xBF\xBD", "\xF0\x9F\x8E\xAC", "a", "B", " ", "\n"})
+        std::ofstream(odd / name) << name;
+    Items items(1);
+    ASSERT_TRUE(
+        OS()->fileMgr()->getDirectoryContents(path(L"b folder").c_str(), items, true, true));
+    std::vector<std::wstring> names;
+    for (const auto& item : items)
+        names.emplace_back(item.name_.view());
+    // The byte that is no character travels as U+DCFF.
+    EXPECT_EQ(names, (std::vector<std::wstring>{L"", L"\n", L" ", L"B", L"a", L"b",
+                                                std::wstring(1, static_cast<wchar_t>(0xDCFF)),
+                                                L"\uFFFD", L"\U0001F3AC"}));
+}
+
+TEST_F(DirectoryTest, WildcardsStandOnlyInTheLastPart)
+{
+    std::ofstream(folder_ / "b folder" / "what?") << "1";
+    EXPECT_EQ(list(L"b folder/*", true, false).size(), 1u);
+    EXPECT_EQ(list(L"b folder/nothing*", true, true).size(), 0u);
+    EXPECT_EQ(list(L"?????", false, true).size(), 0u);
+    EXPECT_EQ(list(L"????", false, true).size(), 1u) << "the link to a folder";
+    fs::create_directory(folder_ / "all*");
+    std::ofstream(folder_ / "all*" / "inside") << "";
+    EXPECT_EQ(list(L"all*", true, true).size(), 1u) << "a folder of that very name comes first";
+    Items items;
+    EXPECT_FALSE(OS()->fileMgr()->getDirectoryContents(path(L"b*/x*").c_str(), items, true, true));
+}
+
+// Every answer is a whole one: false, or the entries that were there all the time.
+TEST_F(DirectoryTest, EntriesAndFoldersMayVanishMeanwhile)
+{
+    std::atomic<bool> stop{false};
+    for (const char* name : {"steady1", "steady2"})
+        std::ofstream(folder_ / "b folder" / name) << "1";
+    BackgroundThread changer([&] {
+        for (int i = 0; !stop; ++i) {
+            const fs::path file = folder_ / "b folder" / ("passing" + std::to_string(i % 50));
+            std::ofstream(file) << "1";
+            fs::create_directory(folder_ / "passing");
+            fs::remove(file);
+            fs::remove(folder_ / "passing");
+        }
+    });
+    for (int i = 0; i < 300; ++i) {
+        const Items items = list(L"b folder/steady*", true, false);
+        EXPECT_EQ(items.size(), 2u);
+        Items passing(3);
+        if (!OS()->fileMgr()->getDirectoryContents(path(L"passing").c_str(), passing, true, true)) {
+            EXPECT_EQ(passing.size(), 3u);
+        }
+        list(L"b folder", true, true);
+    }
+    stop = true;
 }
 
 TEST(FileManager, KnowsTheRunningProgram)

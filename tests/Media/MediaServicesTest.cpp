@@ -1,3 +1,4 @@
+#include "support/ChildProcess.h"
 #include "support/ImageCompare.h"
 #include "support/OutputCapture.h"
 #include "support/Pictures.h"
@@ -170,6 +171,28 @@ TEST(MediaServices, AFullDiskIsReported)
         ASSERT_EQ(symlink("/dev/full", pictures.path(name).c_str()), 0);
         EXPECT_FALSE(media()->saveImage(large, pictures.wide(name))) << name;
     }
+}
+
+TEST(MediaServices, APictureThatCannotBeSavedLeavesTheOldOne)
+{
+    const Pictures pictures;
+    const Pictures::Bytes old{1, 2, 3};
+    for (const char* name : {"a.tif", "a.bmp", "a.png", "a.jpg", "a.ppm"})
+        pictures.write(name, old);
+    EXPECT_EQ(inChild([&] {
+                  limitFileSize(4);
+                  // Small enough that the toolkit needs no threads, which the child has not got.
+                  const Tq::Ptr<iHostImage> picture = media()->createHostSurface({100, 100});
+                  int saved = 0;
+                  for (const char* name : {"a.tif", "a.bmp", "a.png", "a.jpg", "a.ppm"})
+                      saved += media()->saveImage(picture, pictures.wide(name));
+                  return saved;
+              }),
+              0);
+    for (const char* name : {"a.tif", "a.bmp", "a.png", "a.jpg", "a.ppm"})
+        EXPECT_EQ(pictures.read(name), old) << name;
+    const std::filesystem::directory_iterator entries(pictures.path(""));
+    EXPECT_EQ(std::distance(begin(entries), end(entries)), 5) << "and nothing else";
 }
 
 TEST(MediaServices, AnAbsentFileIsNullAndAnUnreadableOneHasNoPixels)

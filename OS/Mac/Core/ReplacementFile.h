@@ -21,9 +21,7 @@ namespace OSInternal {
 /// process left behind is not locked any more: the next replacement of the same target removes it.
 ///
 ///     ReplacementFile file(path);
-///     if (file.status() == ReplacementFile::Status::eOnlyInPlace)
-///         file.openInPlace();
-///     return file.write(text, length) && file.commit();
+///     return file.openAnyway() && file.write(text, length) && file.commit();
 ///
 /// One thread at a time; several objects, and processes, may replace one target: the last commit
 /// stays.
@@ -35,8 +33,8 @@ public:
         eReady,       ///< descriptor() is open
         eOnlyInPlace, ///< the folder refuses new files, or the target is a device or a pipe, but
                       ///< the target itself may be written: openInPlace(), or leave it
-        eRefused, ///< the target may not be written, is a folder, or its folder is not there
-        eFailed   ///< anything else, such as a full disk; error() tells
+        eRefused,     ///< the target may not be written, is a folder, or its folder is not there
+        eFailed       ///< anything else, such as a full disk; error() tells
     };
     enum class Existing
     {
@@ -61,6 +59,8 @@ public:
     /// Empties the target and opens it instead; only with eOnlyInPlace. From here on the old
     /// content is lost, whatever happens. @return whether it is open now
     bool openInPlace();
+    /// openInPlace() where there is no other way. @return whether descriptor() is open
+    bool openAnyway() { return status_ == Status::eReady || openInPlace(); }
     /// Writes all bytes, or fails; so does commit() then.
     bool write(const void* bytes, std::size_t length);
     /// Flushes to the disk and puts the new content in the target's place. Closes the descriptor in

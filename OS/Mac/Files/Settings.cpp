@@ -116,15 +116,13 @@ bool Settings::save(const LightweightString<wchar_t>& path) const
     ReplacementFile file(systemPath);
     if (file.status() == ReplacementFile::Status::eRefused)
         return true; // left alone, and the changes are lost, deliberately
-    if (file.status() == ReplacementFile::Status::eOnlyInPlace)
-        file.openInPlace();
 
     SettingsText::Losses losses;
     const std::string text = SettingsText::write(sections_, losses);
     if (losses.count > 0)
         OSInternal::printLine("Settings::save() : %u values do not fit into %s, such as %s\n",
                               losses.count, systemPath.c_str(), losses.first.c_str());
-    if (file.write(text.data(), text.size()) && file.commit())
+    if (file.openAnyway() && file.write(text.data(), text.size()) && file.commit())
         return true;
     OSInternal::printLine("Settings::save() : cannot write %s: %s\n", systemPath.c_str(),
                           strerrordesc_np(file.error()));

@@ -1,7 +1,7 @@
 #include "OS/Mac/Media/MediaServices.h"
 
-#include "OS/Mac/Core/FileHandle.h"
 #include "OS/Mac/Core/PathText.h"
+#include "OS/Mac/Core/ReplacementFile.h"
 #include "OS/Mac/Media/HostPixels.h"
 #include "OS/Mac/Media/TiffWriter.h"
 #include "OS/Mac/Painting/QtFont.h"
@@ -12,8 +12,6 @@
 
 #include <QFile>
 #include <QImageWriter>
-
-#include <cstdio>
 
 namespace {
 
@@ -29,14 +27,14 @@ bool saveWithToolkit(const Tq::Ptr<iHostImage>& image, const LightweightString<c
     // Asked before the file is touched: an unknown format must not cost what is there.
     if (pixels.image().isNull() || !QImageWriter::supportedImageFormats().contains(format))
         return false;
-    const OSInternal::FileHandle file(std::fopen(path.c_str(), "wbe"));
+    OSInternal::ReplacementFile file(path);
     QFile device;
-    if (!file || !device.open(file.get(), QIODevice::WriteOnly))
+    if (!file.openAnyway() || !device.open(file.descriptor(), QIODevice::WriteOnly))
         return false;
     QImageWriter writer(&device, format);
     const bool written = writer.write(pixels.image());
     device.close();
-    return written && device.error() == QFileDevice::NoError && std::fflush(file.get()) == 0;
+    return written && device.error() == QFileDevice::NoError && file.commit();
 }
 
 } // namespace

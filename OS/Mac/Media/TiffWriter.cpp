@@ -1,5 +1,6 @@
 #include "OS/Mac/Media/TiffWriter.h"
 
+#include "OS/Mac/Core/ReplacementFile.h"
 #include "OS/Mac/Media/HostPixels.h"
 #include "OS/Mac/Painting/TiffFile.h"
 
@@ -7,8 +8,6 @@
 
 #include <cstdint>
 #include <fcntl.h>
-#include <unistd.h>
-#include <vector>
 
 namespace {
 
@@ -34,6 +33,22 @@ void convertRow(const QImage& pixels, int y, QImage& row)
     row = source.convertToFormat(QImage::Format_RGBA8888);
 }
 
+// @return whether everything has been written
+bool writePicture(TIFF* tiff, const QImage& pixels)
+{
+    setTags(tiff, static_cast<std::uint32_t>(pixels.width()),
+            static_cast<std::uint32_t>(pixels.height()));
+    // The strip is the whole picture: without this the library would buffer all of it.
+    TIFFWriteBufferSetup(tiff, nullptr, kBufferBytes);
+    QImage row;
+    for (int y = 0; y < pixels.height(); ++y) {
+        convertRow(pixels, y, row);
+        if (TIFFWriteScanline(tiff, row.bits(), static_cast<std::uint32_t>(y), 0) < 0)
+            return false;
+    }
+    return TIFFFlush(tiff) == 1;
+}
+
 } // namespace
 
 bool TiffWriter::saveTIFF(const Tq::Ptr<iHostImage>& image, const LightweightString<char>& path)
@@ -42,24 +57,14 @@ bool TiffWriter::saveTIFF(const Tq::Ptr<iHostImage>& image, const LightweightStr
     const QImage& pixels = host.image();
     if (pixels.isNull())
         return false;
-    constexpr int kReadableByAll = 0666; // less the process's mask
-    const int descriptor =
-        open(path.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, kReadableByAll);
-    if (descriptor < 0)
+    OSInternal::ReplacementFile file(path);
+    if (!file.openAnyway())
         return false;
-    const TiffFile::Handle tiff = TiffFile::open(descriptor, "w");
-    if (!tiff)
-        return false;
-
-    setTags(tiff.get(), static_cast<std::uint32_t>(pixels.width()),
-            static_cast<std::uint32_t>(pixels.height()));
-    // The strip is the whole picture: without this the library would buffer all of it.
-    TIFFWriteBufferSetup(tiff.get(), nullptr, kBufferBytes);
-    QImage row;
-    for (int y = 0; y < pixels.height(); ++y) {
-        convertRow(pixels, y, row);
-        if (TIFFWriteScanline(tiff.get(), row.bits(), static_cast<std::uint32_t>(y), 0) < 0)
+    {
+        const TiffFile::Handle tiff =
+            TiffFile::open(fcntl(file.descriptor(), F_DUPFD_CLOEXEC, 0), "w");
+        if (!tiff || !writePicture(tiff.get(), pixels))
             return false;
     }
-    return TIFFFlush(tiff.get()) == 1;
+    return file.commit();
 }

@@ -10,7 +10,7 @@
 /// The file is written through a buffer of one megabyte, whatever the picture's size.
 namespace TiffWriter {
 
-/// @param path UTF-8; an existing file is overwritten
+/// @param path UTF-8; an existing file is replaced when the whole picture has been written
 /// @return false when the image has no pixels, or the file cannot be opened or written to its end
 bool saveTIFF(const Tq::Ptr<iHostImage>& image, const LightweightString<char>& path);
 

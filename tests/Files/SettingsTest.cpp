@@ -156,6 +156,15 @@ TEST_F(SettingsFile, ReadsLineByLine)
     }
 }
 
+TEST_F(SettingsFile, MakesItsFolder)
+{
+    std::filesystem::remove_all(home_.path(folder_).substr(0, home_.path(folder_).rfind('/')));
+    Settings settings(iSettings::eUser);
+    settings.setValue("ab", "1", nullptr);
+    settings.persist();
+    EXPECT_EQ(read(), "[]\nab=1\n\n");
+}
+
 TEST_F(SettingsFile, StaysOpenForReading)
 {
     write("ab=1\n");

@@ -118,11 +118,15 @@ bool Settings::save(const LightweightString<wchar_t>& path) const
         return true; // left alone, and the changes are lost, deliberately
 
     SettingsText::Losses losses;
-    const std::string text = SettingsText::write(sections_, losses);
+    const bool written =
+        file.openAnyway() &&
+        SettingsText::write(
+            sections_,
+            [&](std::string_view piece) { return file.write(piece.data(), piece.size()); }, losses);
     if (losses.count > 0)
         OSInternal::printLine("Settings::save() : %u values do not fit into %s, such as %s\n",
                               losses.count, systemPath.c_str(), losses.first.c_str());
-    if (file.openAnyway() && file.write(text.data(), text.size()) && file.commit())
+    if (written && file.commit())
         return true;
     OSInternal::printLine("Settings::save() : cannot write %s: %s\n", systemPath.c_str(),
                           strerrordesc_np(file.error()));

@@ -75,19 +75,60 @@ void noteLoss(SettingsText::Losses& losses, string_view section, string_view nam
     std::replace_if(losses.first.begin(), losses.first.end(), isControl, '?');
 }
 
-void writeValues(std::string& text, string_view section, const SettingsText::Values& values,
+// Gathers lines, and hands them on when enough have come: memory that stays in the cache.
+class Lines
+{
+public:
+    explicit Lines(const SettingsText::Sink& sink) : sink_(sink)
+    {
+        text_.reserve(2 * kPassOnBytes);
+    }
+
+    void append(string_view start, char separator, string_view rest)
+    {
+        const std::size_t before = text_.size();
+        text_.resize(before + start.size() + rest.size() + 2);
+        char* to = std::copy(start.begin(), start.end(), text_.data() + before);
+        *to = separator;
+        to = std::copy(rest.begin(), rest.end(), to + 1);
+        *to = '\n';
+        if (text_.size() >= kPassOnBytes)
+            passOn();
+    }
+    void appendEmpty() { text_ += '\n'; }
+    bool finish()
+    {
+        passOn();
+        return accepted_;
+    }
+
+private:
+    static constexpr std::size_t kPassOnBytes = 32 * 1024;
+
+    void passOn()
+    {
+        accepted_ = accepted_ && (text_.empty() || sink_(text_));
+        text_.clear();
+    }
+
+    const SettingsText::Sink& sink_;
+    std::string text_;
+    bool accepted_ = true;
+};
+
+void writeValues(Lines& lines, string_view section, const SettingsText::Values& values,
                  SettingsText::Losses& losses)
 {
-    text.append("[").append(section).append("]\n");
+    lines.append("", '[', std::string(section) + "]");
     for (const auto& [name, value] : values) {
         const string_view written = harmlessPart(name, value);
         const bool representable = canBeName(name);
         if (!representable || written.size() < value.size())
             noteLoss(losses, section, name);
         if (representable)
-            text.append(name.view()).append(1, '=').append(written).append(1, '\n');
+            lines.append(name, '=', written);
     }
-    text += '\n';
+    lines.appendEmpty();
 }
 
 } // namespace
@@ -121,19 +162,19 @@ void read(std::FILE* stream, Sections& sections)
     }
 }
 
-std::string write(const Sections& sections, Losses& losses)
+bool write(const Sections& sections, const Sink& sink, Losses& losses)
 {
-    std::string text;
+    Lines lines(sink);
     for (const auto& [section, values] : sections) {
         if (values.empty())
             continue;
         if (canBeSection(section))
-            writeValues(text, section, values, losses);
+            writeValues(lines, section, values, losses);
         else
             for (const auto& value : values)
                 noteLoss(losses, section, value.first);
     }
-    return text;
+    return lines.finish();
 }
 
 } // namespace SettingsText

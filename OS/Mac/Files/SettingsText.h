@@ -3,6 +3,7 @@
 #include <OS/Core/LightweightString.h>
 
 #include <cstdio>
+#include <functional>
 #include <map>
 #include <string>
 #include <string_view>
@@ -37,11 +38,16 @@ struct Losses
     std::string first;
 };
 
+/// Takes the text piece by piece. @return false to have no more of it
+using Sink = std::function<bool(std::string_view piece)>;
+
 /// Sections without values are left out.
 ///
 /// A value ends at its first line break, and where the rest of a long line would be read as other
 /// settings. A name with "=" or a line break, one that begins with "[" or has no room in a piece,
 /// and a section name with "]" or a line break are left out, so that no other value is harmed.
-std::string write(const Sections& sections, Losses& losses);
+///
+/// @return false when the sink has refused a piece
+bool write(const Sections& sections, const Sink& sink, Losses& losses);
 
 } // namespace SettingsText

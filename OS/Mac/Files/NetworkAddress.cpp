@@ -42,6 +42,25 @@ int percentEscape(std::string_view text)
     return fault == std::errc() && rest == text.data() + 3 ? value : -1;
 }
 
+// What every address may hold as it is (RFC 3986, 2.3) and some more characters.
+std::string encodePart(std::string_view part, std::string_view alsoAllowed)
+{
+    constexpr char kDigits[] = "0123456789ABCDEF";
+    std::string result;
+    for (const char c : part) {
+        const bool isPlain = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') ||
+                             (c >= '0' && c <= '9') ||
+                             std::string_view("-._~").find(c) != std::string_view::npos ||
+                             alsoAllowed.find(c) != alsoAllowed.npos;
+        const auto byte = static_cast<unsigned char>(c);
+        if (isPlain)
+            result += c;
+        else
+            result += {'%', kDigits[byte >> 4], kDigits[byte & 15]};
+    }
+    return result;
+}
+
 // @return false when a byte comes out that no name can hold
 bool decodePart(std::string_view text, std::string& result)
 {
@@ -68,7 +87,11 @@ std::optional<NetworkAddress> NetworkAddress::parse(std::string_view text)
     std::string_view server = text.substr(0, text.find('/'));
     text.remove_prefix(server.size());
     if (const std::size_t at = server.rfind('@'); at != server.npos) {
-        address.user_ = server.substr(0, at);
+        const std::string_view user = server.substr(0, at);
+        const std::size_t colonOfUser = user.find(':');
+        address.user_ = user.substr(0, colonOfUser);
+        if (colonOfUser != user.npos)
+            address.password_ = user.substr(colonOfUser + 1);
         server.remove_prefix(at + 1);
     }
     // A server in brackets holds colons of its own.
@@ -89,7 +112,7 @@ std::optional<NetworkAddress> NetworkAddress::parse(std::string_view text)
 
 bool NetworkAddress::appendPath(std::string_view text)
 {
-    const std::size_t fixedParts = sharing(scheme_) ? 1 : 0;
+    const std::size_t fixedParts = hasShares() ? 1 : 0;
     while (!text.empty()) {
         const std::size_t slash = text.find('/');
         const std::string_view part = text.substr(0, slash);
@@ -127,11 +150,39 @@ bool NetworkAddress::contains(const NetworkAddress& other) const
         return false;
     if (!other.user_.empty() && !user_.empty() && !equalsNoCase(user_, other.user_))
         return false;
-    const bool ignoresCase = sharing(scheme_) != nullptr;
+    const bool ignoresCase = hasShares();
     return std::equal(path_.begin(), path_.end(), other.path_.begin(),
                       [&](const std::string& a, const std::string& b) {
                           return a == b || (ignoresCase && equalsNoCase(a, b));
                       });
+}
+
+bool NetworkAddress::hasShares() const
+{
+    return sharing(scheme_) != nullptr;
+}
+
+std::string NetworkAddress::toUri() const
+{
+    return write(&encodePart);
+}
+
+std::string NetworkAddress::toText() const
+{
+    return write([](std::string_view part, std::string_view) { return std::string(part); });
+}
+
+std::string NetworkAddress::write(Encode encode) const
+{
+    std::string text = scheme_ + "://";
+    if (!user_.empty())
+        text += encode(user_, ";") + "@";
+    text += encode(server_, "[]:");
+    if (!port_.empty())
+        text += ":" + encode(port_, "");
+    for (const std::string& part : path_)
+        text += "/" + encode(part, "");
+    return text;
 }
 
 bool equalsNoCase(std::string_view a, std::string_view b)

@@ -1,42 +1,60 @@
 #pragma once
 
-#include "OS/Shared/TestAndSetLock.h"
+#include "OS/Shared/BiasedLock.h"
+#include "OS/Shared/ForkGuarded.h"
 
 #include "OS/Mac/Threads/LockRank.h"
 
-#if defined(OS_HEAP_CRITICAL_SECTIONS)
-#include "OS/Shared/ForkGuarded.h"
-#include <OS/Shared/MTHeap.h>
 #include <array>
-#endif
+#include <cstdint>
 
 namespace Tq {
 
 /// The locks of a heap's bins. Which kind is chosen at build time, so that the gain of the small
-/// lock stays measurable; `word` is the one in the bin, `bin` its index.
+/// lock stays measurable.
+///
+/// lock(state, bin) gives what unlock(state, bin, hold) wants back. The three for a fork are given
+/// a function from a bin's index to its state.
+
 #if defined(OS_HEAP_CRITICAL_SECTIONS)
 
 class CriticalSectionBins
 {
 public:
+    using State = detail::BinLockState;
+    struct Hold
+    {
+    };
+
     CriticalSectionBins()
     {
         for (Section& each : sections_)
             each.section.setRank(OSInternal::LockRank::eHeapBin);
     }
-    void lock(TestAndSetLock::Word&, std::uint32_t bin) { sections_[bin].section.lock(); }
-    void unlock(TestAndSetLock::Word&, std::uint32_t bin) { sections_[bin].section.unlock(); }
-    void lockForFork(TestAndSetLock::Word&, std::uint32_t bin)
+    Hold lock(State&, std::uint32_t bin)
     {
-        Tq::lockForFork(sections_[bin].section);
+        sections_[bin].section.lock();
+        return {};
     }
-    void unlockAfterFork(TestAndSetLock::Word&, std::uint32_t bin)
+    void unlock(State&, std::uint32_t bin, Hold) { sections_[bin].section.unlock(); }
+
+    template <class StateOf>
+    void lockForFork(StateOf)
     {
-        sections_[bin].section.unlock();
+        for (Section& each : sections_)
+            Tq::lockForFork(each.section);
     }
-    void renewInChild(TestAndSetLock::Word&, std::uint32_t bin)
+    template <class StateOf>
+    void unlockAfterFork(StateOf)
     {
-        Tq::renewInChild(sections_[bin].section, OSInternal::LockRank::eHeapBin);
+        for (Section& each : sections_)
+            each.section.unlock();
+    }
+    template <class StateOf>
+    void renewInChild(StateOf)
+    {
+        for (Section& each : sections_)
+            Tq::renewInChild(each.section, OSInternal::LockRank::eHeapBin);
     }
 
 private:
@@ -54,51 +72,82 @@ using BinLocks = CriticalSectionBins;
 class UnlockedBins
 {
 public:
-    static void lock(TestAndSetLock::Word&, std::uint32_t) {}
-    static void unlock(TestAndSetLock::Word&, std::uint32_t) {}
-    static void lockForFork(TestAndSetLock::Word&, std::uint32_t) {}
-    static void unlockAfterFork(TestAndSetLock::Word&, std::uint32_t) {}
-    static void renewInChild(TestAndSetLock::Word&, std::uint32_t) {}
+    using State = detail::BinLockState;
+    struct Hold
+    {
+    };
+
+    static Hold lock(State&, std::uint32_t) { return {}; }
+    static void unlock(State&, std::uint32_t, Hold) {}
+
+    template <class StateOf>
+    static void lockForFork(StateOf)
+    {
+    }
+    template <class StateOf>
+    static void unlockAfterFork(StateOf)
+    {
+    }
+    template <class StateOf>
+    static void renewInChild(StateOf)
+    {
+    }
 };
 using BinLocks = UnlockedBins;
 
 #else
 
-class TestAndSetBins
+class BiasedBins
 {
 public:
-    static void lock(TestAndSetLock::Word& word, std::uint32_t)
+    using State = detail::BinLockState;
+    using Hold = BiasedLock::Hold;
+
+    [[gnu::always_inline]] static Hold lock(State& state, std::uint32_t)
     {
 #ifdef OS_CHECK_LOCK_RANKS
-        OSInternal::checkLockOrder(&word, OSInternal::LockRank::eHeapBin);
+        OSInternal::checkLockOrder(&state, OSInternal::LockRank::eHeapBin);
 #endif
-        TestAndSetLock::lock(word);
+        const Hold hold = BiasedLock::lock(state);
 #ifdef OS_CHECK_LOCK_RANKS
-        OSInternal::noteLocked(&word, OSInternal::LockRank::eHeapBin);
+        OSInternal::noteLocked(&state, OSInternal::LockRank::eHeapBin);
 #endif
+        return hold;
     }
-    static void unlock(TestAndSetLock::Word& word, std::uint32_t)
+    [[gnu::always_inline]] static void unlock(State& state, std::uint32_t, Hold hold)
     {
 #ifdef OS_CHECK_LOCK_RANKS
-        OSInternal::noteUnlocked(&word, OSInternal::LockRank::eHeapBin);
+        OSInternal::noteUnlocked(&state, OSInternal::LockRank::eHeapBin);
 #endif
-        TestAndSetLock::unlock(word);
+        BiasedLock::unlock(state, hold);
     }
-    // All of a heap's at once, which is no matter for the check of their order.
-    static void lockForFork(TestAndSetLock::Word& word, std::uint32_t)
+
+    // One barrier for all bins: a single one costs as much as a thousand allocations.
+    template <class StateOf>
+    static void lockForFork(StateOf stateOf)
     {
-        TestAndSetLock::lock(word);
+        bool biased = false;
+        for (std::uint32_t bin = 0; bin < MTHeap::kBinCount; ++bin)
+            biased = BiasedLock::takeForFork(stateOf(bin)) || biased;
+        if (!biased)
+            return;
+        BiasedLock::passBarrier();
+        for (std::uint32_t bin = 0; bin < MTHeap::kBinCount; ++bin)
+            BiasedLock::awaitOutside(stateOf(bin));
     }
-    static void unlockAfterFork(TestAndSetLock::Word& word, std::uint32_t)
+    template <class StateOf>
+    static void unlockAfterFork(StateOf stateOf)
     {
-        TestAndSetLock::unlock(word);
+        for (std::uint32_t bin = 0; bin < MTHeap::kBinCount; ++bin)
+            BiasedLock::unlock(stateOf(bin), Hold::eShared);
     }
-    static void renewInChild(TestAndSetLock::Word& word, std::uint32_t)
+    template <class StateOf>
+    static void renewInChild(StateOf stateOf)
     {
-        TestAndSetLock::unlock(word);
+        unlockAfterFork(stateOf); // a word knows no owner's number
     }
 };
-using BinLocks = TestAndSetBins;
+using BinLocks = BiasedBins;
 
 #endif
 

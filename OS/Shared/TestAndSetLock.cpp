@@ -11,15 +11,6 @@ constexpr int kAttemptsBeforeNap = 20;
 constexpr int kLongestPause = 64;
 constexpr long kNapNs = 50'000;
 
-void relax()
-{
-#if defined(__x86_64__) || defined(__i386__)
-    __builtin_ia32_pause();
-#elif defined(__aarch64__)
-    asm volatile("yield");
-#endif
-}
-
 } // namespace
 
 void TestAndSetLock::nap()

@@ -5,8 +5,7 @@
 
 namespace Tq {
 
-/// The lock of a heap's bin, in a word of the bin: one locked instruction to take it and a plain
-/// store to give it back, where a recursive mutex takes four times as long.
+/// A lock in one word: a locked instruction to take it and a plain store to give it back.
 ///
 /// For sections of a few instructions that call nothing of a client's. Not recursive and not fair.
 /// A thread that waits backs off and soon sleeps, so a preempted owner gets its processor back
@@ -23,7 +22,15 @@ public:
     }
     static void unlock(Word& word) { word.store(0, std::memory_order_release); }
 
-    /// What a waiting thread does after many attempts.
+    /// What a waiting thread does between attempts, and after many.
+    static void relax()
+    {
+#if defined(__x86_64__)
+        __builtin_ia32_pause();
+#elif defined(__aarch64__)
+        asm volatile("yield");
+#endif
+    }
     static void nap();
 
 private:

@@ -116,6 +116,11 @@ void checkArgument(const void* block)
 /// The bins' virtual memory, and what the heap's locks do around a fork.
 class MTHeap::Memory final : public ForkGuarded
 {
+    auto states()
+    {
+        return [this](std::uint32_t bin) -> BinLocks::State& { return heap_.bins_[bin].lock; };
+    }
+
 public:
     explicit Memory(MTHeap& heap) : heap_(heap)
     {
@@ -132,21 +137,18 @@ public:
 
     void lockForFork() override
     {
-        for (std::uint32_t bin = 0; bin < kBinCount; ++bin)
-            locks_.lockForFork(heap_.bins_[bin].taken, bin);
+        locks_.lockForFork(states());
         Tq::lockForFork(vmemLock_);
     }
     void unlockAfterFork() override
     {
         vmemLock_.unlock();
-        for (std::uint32_t bin = kBinCount; bin-- > 0;)
-            locks_.unlockAfterFork(heap_.bins_[bin].taken, bin);
+        locks_.unlockAfterFork(states());
     }
     void renewInChild() override
     {
         Tq::renewInChild(vmemLock_, OSInternal::LockRank::eHeapVirtualMemory);
-        for (std::uint32_t bin = kBinCount; bin-- > 0;)
-            locks_.renewInChild(heap_.bins_[bin].taken, bin);
+        locks_.renewInChild(states());
     }
 
     OSInternal::CriticalSection& vmemLock() { return vmemLock_; }
@@ -181,17 +183,21 @@ private:
 class MTHeap::BinGuard
 {
 public:
-    BinGuard(MTHeap& heap, std::uint32_t bin) : heap_(heap), bin_(bin)
+    [[gnu::always_inline]] BinGuard(MTHeap& heap, std::uint32_t bin)
+        : heap_(heap), bin_(bin), hold_(heap.memory_->locks().lock(heap.bins_[bin].lock, bin))
     {
-        heap_.memory_->locks().lock(heap_.bins_[bin_].taken, bin_);
     }
-    ~BinGuard() { heap_.memory_->locks().unlock(heap_.bins_[bin_].taken, bin_); }
+    [[gnu::always_inline]] ~BinGuard()
+    {
+        heap_.memory_->locks().unlock(heap_.bins_[bin_].lock, bin_, hold_);
+    }
     BinGuard(const BinGuard&) = delete;
     BinGuard& operator=(const BinGuard&) = delete;
 
 private:
     MTHeap& heap_;
     const std::uint32_t bin_;
+    [[no_unique_address]] const BinLocks::Hold hold_;
 };
 
 MTHeap::MTHeap() : memory_(std::make_unique<Memory>(*this))

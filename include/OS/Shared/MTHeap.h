@@ -7,6 +7,24 @@
 
 namespace Tq {
 
+namespace detail {
+
+/// What the lock of a bin keeps.
+struct BinLockState
+{
+    static constexpr std::uintptr_t kNobody = 0;
+    static constexpr std::uintptr_t kShared = 1;
+
+    std::atomic<std::uintptr_t> owner{kNobody};
+    std::atomic<std::uint32_t> taken{0};
+    std::atomic<std::uint8_t> inside{0};
+    std::uint8_t biasesEnded = 0;
+    std::uint32_t candidate = 0;
+    std::uint32_t streak = 0;
+};
+
+} // namespace detail
+
 /// A heap for many threads at once.
 ///
 /// Blocks of up to 32764 bytes come from 2048 bins, one for every 16 bytes of size, each with a
@@ -93,9 +111,9 @@ private:
     class [[gnu::visibility("hidden")]] Memory;
     class BinGuard;
 
-    struct alignas(16) Bin
+    struct alignas(32) Bin
     {
-        std::atomic<std::uint32_t> taken{0};
+        detail::BinLockState lock;
         std::byte* freeList = nullptr; // the header of the first free block
     };
 

@@ -12,6 +12,8 @@
 #include <atomic>
 #include <cstring>
 #include <functional>
+#include <limits>
+#include <malloc.h>
 #include <memory>
 #include <random>
 #include <sys/resource.h>
@@ -189,13 +191,13 @@ TEST(HeapThreads, AChildOfAForkCanUseEveryHeap)
 #ifdef OS_TESTS_UNDER_SANITIZER
     constexpr int kForks = 5;
 #else
-    constexpr int kForks = 40;
+    constexpr int kForks = 12;
 #endif
     for (int i = 0; i < kForks; ++i)
         ASSERT_EQ(inChild([&] {
                       alarm(60); // rather than hang
                       for (MTHeap* heap : {&first, second.get()})
-                          for (std::size_t size = 0; size < 40'000; size += 13) {
+                          for (std::size_t size = 0; size < 40'000; size += 97) {
                               void* block = heap->alloc(size);
                               std::memset(block, 3, size);
                               if (size % 7 == 0)
@@ -268,7 +270,12 @@ TEST(HeapThreads, ABinnedBlockEndsInBadAllocWhenTheAddressSpaceIsFull)
 TEST(HeapThreads, ProcessesRunOutOfMapsBeforeThePoolRunsOut)
 {
     EXPECT_EQ(inChild([] {
+                  alarm(120);
                   std::freopen("/dev/null", "w", stdout);
+                  // The C allocator is not to need a map either.
+                  mallopt(M_MMAP_MAX, 0);
+                  mallopt(M_TRIM_THRESHOLD, std::numeric_limits<int>::max());
+                  std::free(std::malloc(std::size_t(1) << 30));
                   Tq::LargeObjectHeap heap(std::uint64_t(1) << 40);
                   std::vector<void*> blocks;
                   for (int i = 0; i < 100'000; ++i)

@@ -1,6 +1,8 @@
 #include "Editor.h"
 
 #include "Drawing/Scene.h"
+#include "FrameWriter.h"
+#include "Model/Removal.h"
 
 #include <OS.h>
 #include <OS/Core/iUtils.h>
@@ -14,6 +16,7 @@ namespace {
 
 constexpr unsigned int kPlayTickMs = 10;
 constexpr unsigned int kCaretMs = 530;
+constexpr unsigned int kSaveMs = 800; ///< without a further change before it is saved
 constexpr int kLoadsPerFrame = 4;
 
 const Theme::Type& typeOf(Focus field)
@@ -76,11 +79,72 @@ void Editor::attach(Tq::Ptr<iRootWindow> window)
 
 void Editor::detach()
 {
+    if (window_ && settings_) {
+        keepSession();
+        saveSession();
+    }
+    settings_.reset();
+    saveTimer_.reset();
     playTimer_.reset();
     caretTimer_.reset();
     quitTimer_.reset();
     useTarget(std::make_unique<Resources>(1.0));
     window_.reset();
+}
+
+void Editor::remember(Tq::Ptr<iSettings> settings, const Session& session)
+{
+    settings_ = std::move(settings);
+    session_ = session;
+}
+
+void Editor::allowFiles(std::vector<Text> sampleFolders, const Text& exportFolder)
+{
+    filesAllowed_ = true;
+    sampleFolders_ = std::move(sampleFolders);
+    exportFolder_ = exportFolder;
+}
+
+// Every change puts the saving off, so that dragging an edge writes one file.
+void Editor::keepSession()
+{
+    if (!window_ || !settings_)
+        return;
+    Session session = session_;
+    session.place = placeOf(*window_, session_.place);
+    session.zoom = state_.view.scale;
+    if (session == session_)
+        return;
+    session_ = session;
+    saveTimer_ = window_->createTimer(kSaveMs);
+}
+
+void Editor::saveSession()
+{
+    saveTimer_.reset();
+    writeSession(settings_, session_);
+    settings_->persist();
+}
+
+void Editor::runErrands()
+{
+    const int item = state_.itemToRemove;
+    const bool exports = state_.frameToExport;
+    state_.itemToRemove = MediaBin::kNone;
+    state_.frameToExport = false;
+    if (!filesAllowed_)
+        return;
+    if (item != MediaBin::kNone) {
+        state_.message = removeItem(state_.bin, item, sampleFolders_);
+        state_.pressed = {};
+        interaction_.settle();
+        state_.hover = hitTest(state_, layoutOf(state_), state_.pointer);
+    }
+    if (exports) {
+        Text path;
+        const Text failure = exportFrame(state_, exportFolder_, path);
+        state_.message = failure.empty() ? L"frame written to " + path : failure;
+    }
 }
 
 void Editor::quitAfter(int seconds)
@@ -121,7 +185,9 @@ iEventHandler::eRC Editor::changed()
 {
     if (state_.quitting)
         return eQuit;
+    runErrands();
     if (window_) {
+        keepSession();
         keepTitle();
         keepTimers();
         keepCursor();
@@ -271,6 +337,9 @@ iEventHandler::eRC Editor::handleTimer(const TimerEvent& event)
 {
     if (isTick(quitTimer_, event)) {
         state_.quitting = true;
+    } else if (isTick(saveTimer_, event)) {
+        saveSession();
+        return eContinue;
     } else if (isTick(caretTimer_, event)) {
         state_.caretShown = !state_.caretShown;
     } else if (isTick(playTimer_, event) || !window_) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Drawing/PictureStore.h"
+#include "Model/Session.h"
 #include "View/Interaction.h"
 #include "common/Icons.h"
 #include "common/Resources.h"
@@ -30,6 +31,12 @@ public:
     /// two hold each other in between.
     void attach(Tq::Ptr<iRootWindow> window);
     void detach();
+    /// Saves the session after changes and at the end, from now on until detach().
+    void remember(Tq::Ptr<iSettings> settings, const Session& session);
+    /// Trashes and writes files where the user asks for it, from now on.
+    /// @param sampleFolders whose files belong to the product and are never trashed
+    /// @param exportFolder where pictures of frames go
+    void allowFiles(std::vector<Text> sampleFolders, const Text& exportFolder);
     /// Ends the program after a time of running.
     void quitAfter(int seconds);
 
@@ -49,6 +56,9 @@ private:
     void keepTimers();
     void keepCursor();
     void keepTitle();
+    void keepSession();
+    void saveSession();
+    void runErrands();
     void countFrame(std::int64_t timeMs);
     std::vector<int> boundaries(Focus field, const Text& text);
     bool isTick(const Tq::Ptr<iTimer>& timer, const TimerEvent& event) const;
@@ -62,11 +72,17 @@ private:
     std::unique_ptr<PictureStore> pictures_;
     Text measuredTitle_;
     Text windowTitle_;
+    Tq::Ptr<iSettings> settings_; ///< null: nothing is remembered
+    Session session_;
+    bool filesAllowed_ = false;
+    std::vector<Text> sampleFolders_;
+    Text exportFolder_;
     bool frameRequested_ = false;
 
     Tq::Ptr<iTimer> playTimer_;
     Tq::Ptr<iTimer> caretTimer_;
     Tq::Ptr<iTimer> quitTimer_;
+    Tq::Ptr<iTimer> saveTimer_;
     std::int64_t lastTickMs_ = 0;
     std::deque<std::int64_t> shownMs_; ///< when the frames of the last second were shown
 

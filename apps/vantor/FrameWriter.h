@@ -10,4 +10,12 @@ namespace Vantor {
 /// @return what went wrong, in one line, or nothing
 Text writeFrame(EditorState state, double scale, const Text& path);
 
+/// The name for a picture of the frame under the playhead: "Harbour 00;00;12;05".
+Text exportName(const EditorState& state);
+/// Writes the picture under the playhead, as large as the sequence, into a folder as a PNG file of
+/// a new name.
+///
+/// @param path gets the file's path @return what went wrong, in one line, or nothing
+Text exportFrame(const EditorState& state, const Text& folder, Text& path);
+
 } // namespace Vantor

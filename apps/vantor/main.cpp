@@ -5,16 +5,21 @@
 #include <OS.h>
 #include <OS/Core/iUtils.h>
 #include <OS/Files/iFileManager.h>
+#include <OS/Files/iShell.h>
+#include <OS/Threads/iThreadManager.h>
 #include <OS/Windowing/iWindowManager.h>
 
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 
 namespace Vantor {
 
 namespace {
 
 constexpr int kBadArguments = 2;
+constexpr int kAlreadyRunning = 3;
+constexpr double kNoticeMs = 2000.0;
 
 int fail(const Text& what, int status)
 {
@@ -22,16 +27,29 @@ int fail(const Text& what, int status)
     return status;
 }
 
-/// Where the sample media are: beside the installed program, else in the source tree; empty when
-/// neither is there.
+/// Where sample media may be: beside the installed program, and in the source tree.
+std::vector<Text> sampleFolders()
+{
+    return {OS()->fileMgr()->getAppPath() + L"../share/vantor/media/",
+            OS()->utils()->fromUTF8(VANTOR_SOURCE_MEDIA, -1)};
+}
+
+/// The first that is there; empty when none is.
 Text sampleFolder()
 {
-    iFileManager* files = OS()->fileMgr();
-    const Text installed = files->getAppPath() + L"../share/vantor/media/";
-    if (files->fileExists(installed))
-        return installed;
-    const Text source = OS()->utils()->fromUTF8(VANTOR_SOURCE_MEDIA, -1);
-    return files->fileExists(source) ? source : Text();
+    for (const Text& folder : sampleFolders())
+        if (OS()->fileMgr()->fileExists(folder))
+            return folder;
+    return {};
+}
+
+/// A path from the root, so that it means the same in the next run.
+Text fromRoot(const Text& path)
+{
+    std::error_code error;
+    const std::string here = std::filesystem::current_path(error).string();
+    return path.startsWith(L'/') || error ? path
+                                          : OS()->utils()->fromUTF8(here.c_str(), -1) + L"/" + path;
 }
 
 Text titleOf(const Text& folder)
@@ -43,19 +61,59 @@ Text titleOf(const Text& folder)
     return name == L"." || name == L".." ? Text() : name;
 }
 
-int runWindow(EditorState state, int seconds)
+/// Tells the user, who may have clicked an icon and sees no terminal, for two seconds.
+void showAlreadyRunning()
+{
+    if (!std::getenv("DISPLAY") && !std::getenv("WAYLAND_DISPLAY"))
+        return;
+    iWindowManager* manager = OS()->windowMgr();
+    Tq::Ptr<iStatusWindow> status = manager->createStatusWindow();
+    if (status) {
+        status->setTitle(L"Vantor");
+        status->setMessage(L"Vantor is already running.");
+        status->show();
+        const double end = OS()->utils()->timeNow() + kNoticeMs;
+        while (OS()->utils()->timeNow() < end) {
+            manager->despatchPendingEvents();
+            OS()->threadMgr()->sleep(20);
+        }
+    }
+    status.reset();
+    manager->shutdown();
+}
+
+/// The pictures of a folder, or the sample media. @return what went wrong, or nothing
+Text fillBin(MediaBin& bin, const Text& folder)
+{
+    const Text from = folder.empty() ? sampleFolder() : folder;
+    return from.empty() || addFolder(bin, from) ? Text()
+                                                : L"cannot read the folder \"" + from + L"\"";
+}
+
+EditorState stateFor(MediaBin bin, const Text& folder, const Point& size, double zoom)
+{
+    EditorState state = makeEditorState(std::move(bin), titleOf(folder));
+    state.size = size;
+    if (zoom > 0.0)
+        state.view.scale = zoom;
+    else // the same stretch of time at every size of the window
+        state.view.scale *= static_cast<double>(layoutOf(state).lanes.width()) / 1144.0;
+    return state;
+}
+
+int runLoop(EditorState state, const Session& session, const Tq::Ptr<iSettings>& settings,
+            int seconds)
 {
     iWindowManager* manager = OS()->windowMgr();
     Tq::Ptr<iRootWindow> window = manager->createRootWindow();
     if (!window)
         return fail(L"no window could be made", EXIT_FAILURE);
     Tq::Ptr<Editor> editor(new Editor(std::move(state)));
+    editor->allowFiles(sampleFolders(), OS()->shell()->getFolderLocation(iShell::ePictures));
+    editor->remember(settings, session);
     iRootWindow::InitArgs args;
-    args.size = editor->state().size;
-    args.position = {80, 60};
-    args.titleBar = true;
     args.eventHandler = editor;
-    window->realize(args);
+    realizeAt(*window, args, session.place);
     editor->attach(window);
     if (seconds > 0)
         editor->quitAfter(seconds);
@@ -71,6 +129,50 @@ int runWindow(EditorState state, int seconds)
     return status;
 }
 
+int runWindow(const CommandLine& line)
+{
+    const Tq::Ptr<iObject> claim = OS()->shell()->claimSingleInstance();
+    if (!claim) {
+        const int status = fail(L"Vantor is already running", kAlreadyRunning);
+        showAlreadyRunning();
+        return status;
+    }
+    const Tq::Ptr<iSettings> settings = OS()->shell()->getSettings(iSettings::eUser);
+    Session session = readSession(settings);
+    if (line.sizeGiven) {
+        session.place.size = line.size;
+        session.place.maximised = session.place.fullScreen = false;
+    }
+    if (!line.folder.empty())
+        session.folder = fromRoot(line.folder);
+    MediaBin bin;
+    Text wrong = fillBin(bin, session.folder);
+    if (!wrong.empty() && !line.folder.empty())
+        return fail(wrong, EXIT_FAILURE);
+    const Text gone = wrong.empty() ? Text() : session.folder;
+    if (!gone.empty()) { // remembered, but not there any more
+        session.folder.clear();
+        wrong = fillBin(bin, Text());
+        if (!wrong.empty())
+            return fail(wrong, EXIT_FAILURE);
+    }
+    EditorState state = stateFor(std::move(bin), session.folder, session.place.size, session.zoom);
+    if (!gone.empty())
+        state.message = gone + L" cannot be read any more";
+    return runLoop(std::move(state), session, settings, line.seconds);
+}
+
+int runFrame(const CommandLine& line)
+{
+    MediaBin bin;
+    const Text wrong = fillBin(bin, line.folder);
+    if (!wrong.empty())
+        return fail(wrong, EXIT_FAILURE);
+    const Text failure = writeFrame(stateFor(std::move(bin), line.folder, line.size, 0.0),
+                                    line.scale, line.frameFile);
+    return failure.empty() ? EXIT_SUCCESS : fail(failure, EXIT_FAILURE);
+}
+
 int run(int count, const char* const* arguments)
 {
     CommandLine line;
@@ -82,19 +184,7 @@ int run(int count, const char* const* arguments)
         return EXIT_SUCCESS;
     }
 
-    MediaBin bin;
-    const Text folder = line.folder.empty() ? sampleFolder() : line.folder;
-    if (!folder.empty() && !addFolder(bin, folder))
-        return fail(L"cannot read the folder \"" + folder + L"\"", EXIT_FAILURE);
-    EditorState state = makeEditorState(std::move(bin), titleOf(line.folder));
-    state.size = line.size;
-    // The same stretch of time at every size of the window.
-    state.view.scale *= static_cast<double>(layoutOf(state).lanes.width()) / 1144.0;
-
-    if (line.frameFile.empty())
-        return runWindow(std::move(state), line.seconds);
-    const Text failure = writeFrame(std::move(state), line.scale, line.frameFile);
-    return failure.empty() ? EXIT_SUCCESS : fail(failure, EXIT_FAILURE);
+    return line.frameFile.empty() ? runWindow(line) : runFrame(line);
 }
 
 } // namespace

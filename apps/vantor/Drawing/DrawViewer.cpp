@@ -61,26 +61,11 @@ void drawTitle(Scene& scene, const Clip& clip)
                              Theme::kWhite);
 }
 
+/// The picture, and the frame within which titles are safe.
 void drawPicture(Scene& scene)
 {
+    drawComposition(scene);
     const Rect& picture = scene.layout.picture;
-    const EditorState& state = scene.state;
-    scene.canvas.fill(picture, Theme::kBlack);
-    scene.canvas.clip(picture);
-    const Clip* shown = clipUnderPlayhead(state, Track::ePicture);
-    const Clip* effect = clipUnderPlayhead(state, Track::eEffect);
-    if (shown && drawClipPicture(scene, *shown, picture, 1.0f) && effect)
-        drawEffect(scene, *effect);
-    if (const Clip* clip = clipUnderPlayhead(state, Track::eOverlay)) {
-        const int width = picture.width() * 36 / 100;
-        const int height = picture.height() * 36 / 100;
-        const int right = picture.right - picture.width() * 8 / 100;
-        const int top = picture.top + picture.height() * 9 / 100;
-        drawClipPicture(scene, *clip, {right - width, top, right, top + height}, kOverlayOpacity);
-    }
-    if (const Clip* clip = clipUnderPlayhead(state, Track::eTitle))
-        drawTitle(scene, *clip);
-    scene.canvas.endClip();
     const int dx = picture.width() / 20;
     const int dy = picture.height() / 20;
     scene.canvas.washFrame(
@@ -125,6 +110,28 @@ void drawButton(Scene& scene, int index)
 }
 
 } // namespace
+
+void drawComposition(Scene& scene)
+{
+    const Rect& picture = scene.layout.picture;
+    const EditorState& state = scene.state;
+    scene.canvas.fill(picture, Theme::kBlack);
+    scene.canvas.clip(picture);
+    const Clip* shown = clipUnderPlayhead(state, Track::ePicture);
+    const Clip* effect = clipUnderPlayhead(state, Track::eEffect);
+    if (shown && drawClipPicture(scene, *shown, picture, 1.0f) && effect)
+        drawEffect(scene, *effect);
+    if (const Clip* clip = clipUnderPlayhead(state, Track::eOverlay)) {
+        const int width = picture.width() * 36 / 100;
+        const int height = picture.height() * 36 / 100;
+        const int right = picture.right - picture.width() * 8 / 100;
+        const int top = picture.top + picture.height() * 9 / 100;
+        drawClipPicture(scene, *clip, {right - width, top, right, top + height}, kOverlayOpacity);
+    }
+    if (const Clip* clip = clipUnderPlayhead(state, Track::eTitle))
+        drawTitle(scene, *clip);
+    scene.canvas.endClip();
+}
 
 void drawTransport(Scene& scene)
 {

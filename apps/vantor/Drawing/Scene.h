@@ -31,6 +31,8 @@ void drawEditor(Scene& scene);
 void drawTopBar(Scene& scene);
 void drawMediaBin(Scene& scene);
 void drawViewer(Scene& scene);
+/// The picture under the playhead, in the layout's place for it.
+void drawComposition(Scene& scene);
 void drawTransport(Scene& scene);
 void drawTimeline(Scene& scene);
 void drawClips(Scene& scene);

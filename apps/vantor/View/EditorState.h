@@ -105,6 +105,8 @@ struct EditorState
     Text message;           ///< for the status line, until the next action
     double shownRate = 0.0; ///< frames a second drawn while playing
     bool quitting = false;
+    int itemToRemove = MediaBin::kNone; ///< asked for; the editor does it and clears it
+    bool frameToExport = false;         ///< likewise
 
     bool editingText() const { return focus == Focus::eTitle || focus == Focus::eFilter; }
     TextField& activeField() { return focus == Focus::eTitle ? titleField : filterField; }

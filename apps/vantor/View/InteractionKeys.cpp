@@ -124,6 +124,11 @@ bool Interaction::commandKey(std::uint32_t code, std::uint32_t modifiers)
     case 'y':
         redo();
         return true;
+    case 'e':
+    case 'E':
+        leaveField(true);
+        state_.frameToExport = true;
+        return true;
     case 'f':
         leaveField(true);
         focusOn(Focus::eFilter, true);
@@ -137,6 +142,12 @@ bool Interaction::commandKey(std::uint32_t code, std::uint32_t modifiers)
 bool Interaction::binKey(std::uint32_t code)
 {
     const std::vector<int> visible = state_.bin.visible();
+    // In the bin the key never reaches for the timeline's clips.
+    if (code == Key::eDelete) {
+        if (std::find(visible.begin(), visible.end(), state_.bin.selected) != visible.end())
+            state_.itemToRemove = state_.bin.selected;
+        return true;
+    }
     if (visible.empty())
         return false;
     const Layout layout = layoutOf(state_);

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "Model/Text.h"
+#include "common/WindowPlace.h"
+
+#include <OS/Core/Ptr.h>
+#include <OS/Files/iSettings.h>
+
+namespace Vantor {
+
+/// What is remembered from one run to the next, in the user's settings: sections "Window" and
+/// "Editor".
+struct Session
+{
+    WindowPlace place{{1280, 720}, {80, 60}};
+    Text folder;       ///< of pictures, from the root; empty: the sample media
+    double zoom = 0.0; ///< pixels of the timeline for a frame; 0: by the window's size
+
+    friend bool operator==(const Session&, const Session&) = default;
+};
+
+/// A null store, and values that make no sense, give the defaults.
+Session readSession(const Tq::Ptr<iSettings>& settings);
+void writeSession(const Tq::Ptr<iSettings>& settings, const Session& session);
+
+} // namespace Vantor

@@ -28,6 +28,10 @@ GioCall::~GioCall()
 {
     g_source_destroy(timer_);
     g_source_unref(timer_);
+    // What the answer lets go of is released by the context, and by nobody once that is gone.
+    answer_.reset();
+    while (g_main_context_iteration(context_.get(), FALSE))
+        continue;
     g_main_context_pop_thread_default(context_.get());
 }
 

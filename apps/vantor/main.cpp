@@ -71,6 +71,7 @@ void showAlreadyRunning()
     if (status) {
         status->setTitle(L"Vantor");
         status->setMessage(L"Vantor is already running.");
+        status->setProgress(0.0f); // nothing is under way
         status->show();
         const double end = OS()->utils()->timeNow() + kNoticeMs;
         while (OS()->utils()->timeNow() < end) {

@@ -235,12 +235,12 @@ struct RowDrawer
         const int room = box.width() - 12;
         if (box.height() < 20 || room < 16)
             return;
-        const bool both = box.height() >= 40;
+        const bool both = box.height() >= 40 && canvas.width(place.fact, Theme::kSmall) <= room;
         canvas.textCentred(canvas.fitted(place.name, room, Theme::kFact), x, both ? y - 2 : y + 4,
                            Theme::kFact, Theme::kText);
         if (both)
-            canvas.textCentred(canvas.fitted(place.fact, room, Theme::kSmall), x, y + 13,
-                               Theme::kSmall, Theme::mix(Theme::kBlue.top, Theme::kText, 0.7f));
+            canvas.textCentred(place.fact, x, y + 13, Theme::kSmall,
+                               Theme::mix(Theme::kBlue.top, Theme::kText, 0.7f));
     }
 };
 

@@ -45,7 +45,10 @@ void writePreferences(const Tq::Ptr<iSettings>& settings, const Preferences& pre
     StoredValues values(settings, kSection);
     values.setText("Units", preferences.units == Units::eDecimal ? L"decimal" : L"binary");
     values.setInteger("RefreshMs", preferences.refreshMs);
-    values.setText("Order", Text::join(preferences.order, L" "));
+    if (preferences.order.empty())
+        values.remove("Order");
+    else
+        values.setText("Order", Text::join(preferences.order, L" "));
 }
 
 } // namespace Quay

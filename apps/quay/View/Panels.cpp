@@ -258,13 +258,12 @@ Panel settingsPanel(const std::vector<SettingsStore>& stores, const Preferences&
     std::size_t count = 0;
     for (const SettingsStore& store : stores) {
         panel.rows.push_back(HeadingRow{store.label, store.path, true});
-        for (const SettingsSection& section : store.sections)
-            for (const Setting& setting : section.settings) {
-                const Text name =
-                    section.name.empty() ? setting.name : section.name + L" \u203A " + setting.name;
-                panel.rows.push_back(FactRow{name, textOr(setting.value, L"empty")});
-                ++count;
-            }
+        for (const SettingsSection& section : store.sections) {
+            panel.rows.push_back(NoteRow{L"[" + section.name + L"]"});
+            for (const Setting& setting : section.settings)
+                panel.rows.push_back(FactRow{setting.name, textOr(setting.value, L"empty")});
+            count += section.settings.size();
+        }
         if (store.sections.empty())
             panel.rows.push_back(
                 NoteRow{store.present ? L"Nothing is set" : L"Nothing has been saved yet"});

@@ -1,5 +1,7 @@
 #include "OS/Mac/Files/QtFile.h"
 #include "Files/WideFolder.h"
+#include "OS/Mac/Files/File.h"
+#include "support/ChildProcess.h"
 #include "support/OutputCapture.h"
 
 #include <OS.h>
@@ -10,7 +12,9 @@
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
+#include <sched.h>
 #include <string>
+#include <sys/mount.h>
 #include <sys/stat.h>
 
 namespace {
@@ -50,6 +54,41 @@ TEST_F(QtFileTest, ASchemeAnywhereInThePathMakesOne)
          {L"smb://nas.invalid/share/x", L"//nas.invalid/share/x", L"http://x"})
         EXPECT_FALSE(
             OS()->fileMgr()->openFile(path, 1, iFile::eOpenExisting, iFile::eShareNone, 0));
+}
+
+// The child sees a mount table in which the folder is a share.
+TEST_F(QtFileTest, AMountedNetworkPathIsALocalFile)
+{
+    folder_.write("clip", "text");
+    const std::string table =
+        folder_.write("table", "20 1 8:1 / / rw - ext4 /dev/sda1 rw\n21 20 0:50 / " +
+                                   folder_.path() + " rw - cifs //nas/media rw\n");
+    const int status = inChild([&] {
+        const int kNotPermitted = 77;
+        if (unshare(CLONE_NEWNS) != 0 ||
+            mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+            mount(table.c_str(), "/proc/self/mountinfo", nullptr, MS_BIND, nullptr) != 0)
+            return kNotPermitted;
+        iFileManager* files = OS()->fileMgr();
+        for (const wchar_t* path : {L"//nas/media/clip", L"smb://NAS/media/clip"}) {
+            const auto file = files->openFile(path, 1, iFile::eOpenExisting, iFile::eShareNone, 0);
+            char text[8];
+            if (!dynamic_cast<File*>(file.get()) || file->read(text, 8) != 4 ||
+                file->getFileName() != path || !files->fileExists(path))
+                return 1;
+        }
+        return files->copyFile(L"//nas/media/clip", L"//nas/media/new/../copy", true, {}) &&
+                       files->createDirectory(L"//nas/media/a/b") &&
+                       !files->fileExists(L"//nas/other/clip") &&
+                       !files->createDirectory(L"//nas/other/a")
+                   ? 0
+                   : 2;
+    });
+    if (status == 77)
+        GTEST_SKIP() << "mounting is not permitted";
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(folder_.read("copy"), "text");
+    EXPECT_TRUE(std::filesystem::is_directory(folder_.path("a/b")));
 }
 
 TEST_F(QtFileTest, TransfersThroughTheDevice)

@@ -59,6 +59,8 @@ Tq::Ptr<iFile> openOwn(const Text& path, unsigned int access, iFile::eOpenBehavi
     const LightweightString<char> osPath = FileManager::TqtoOS(path);
     if (!FileManager::isURI(osPath))
         return Tq::Ptr<iFile>(new File(path, access, behaviour, share, flags));
+    if (osPath.contains('\0')) // the toolkit would print a warning
+        return {};
     const LightweightString<char> mounted = OSInternal::localPath(path);
     if (mounted != osPath && !mounted.empty())
         return Tq::Ptr<iFile>(new File(path, mounted, access, behaviour, share, flags));

@@ -12,8 +12,9 @@
 #include <functional>
 #include <vector>
 
-/// Whole files and paths, reached as OS()->fileMgr(). Every operation may be called from any
-/// thread; none throws, and none prints anything but what it says.
+/// Whole files and paths, reached as OS()->fileMgr(); PathFunctions.h has what is done with paths
+/// as text. Every operation may be called from any thread; none throws, and none prints anything
+/// but what it says.
 ///
 /// Paths are wide strings with "/" as separator. A path that begins with "//" is a network path,
 /// one that begins with "Virtual:" belongs to a file provider (FileProviderManager). Bytes of a
@@ -69,16 +70,18 @@ public:
     /// Copies a file: contents, permissions and times. Links are followed.
     ///
     /// Written beside the target and renamed: the target is the old file or the whole new one at
-    /// every moment, also when the disk is full or the copy is given up.
+    /// every moment, also when the disk is full or the copy is given up. Holes stay holes.
     ///
     /// @param failIfExists whether an existing target is left alone and false comes back
     /// @param progress may be empty
-    /// @return whether the whole file was copied. A directory, and a file onto itself, give false.
+    /// @return whether the whole file was copied. Anything but a file, a file onto itself, a target
+    /// that may not be written, and one in a folder that takes no new files, give false.
     virtual bool copyFile(const LightweightString<wchar_t>& from,
                           const LightweightString<wchar_t>& to, bool failIfExists,
                           const ProgressCallback& progress) = 0;
     /// Renames a file, a link or a directory; a file or a link also across file systems, where it
-    /// is copied whole before the old one is removed. @return whether it stands at its new place
+    /// is copied whole before the old one is removed. Links are not followed.
+    /// @return whether it stands at its new place and no longer at the old one
     virtual bool moveFile(const LightweightString<wchar_t>& from,
                           const LightweightString<wchar_t>& to, bool failIfExists) = 0;
     /// Removes a file or a link, never its target. @return false for a directory
@@ -92,6 +95,7 @@ public:
     /// Opens a file: offered to the file providers, else a local file, else one named by a scheme.
     ///
     /// A network path is looked for among the mounted network volumes; nothing is mounted for it.
+    /// What a provider refuses is not looked for elsewhere.
     ///
     /// @param access iFile::eAccessMode @param flags bits of iFile::eFlags
     /// @return null when it could not be opened

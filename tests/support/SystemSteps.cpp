@@ -1,5 +1,6 @@
 #include "support/SystemSteps.h"
 
+#include <atomic>
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/file.h>
@@ -8,18 +9,19 @@
 
 namespace {
 
-int steps = 0;
-int exitStep = 0;
-int failStep = 0;
-int failure = 0;
+// Other threads' calls may pass by while nothing is armed.
+std::atomic<int> steps{0};
+std::atomic<int> exitStep{0};
+std::atomic<int> failStep{0};
+std::atomic<int> failure{0};
 
 // @return whether the call is to fail
 bool step()
 {
-    ++steps;
-    if (steps == exitStep)
+    const int current = ++steps;
+    if (current == exitStep)
         _exit(SystemSteps::kExitStatus);
-    if (steps != failStep)
+    if (current != failStep)
         return false;
     errno = failure;
     return true;
@@ -49,7 +51,9 @@ int count()
 
 void reset()
 {
-    steps = exitStep = failStep = 0;
+    steps = 0;
+    exitStep = 0;
+    failStep = 0;
 }
 
 } // namespace SystemSteps

@@ -133,12 +133,16 @@ TEST(ProcessManager, ReportsWhatCanNotBeStarted)
         {zero, "cannot start true: Invalid argument"},
         {badName, "cannot start true: Invalid argument"},
     };
+    // A folder of PATH that may not be searched would be the reason given for a missing program.
+    const std::string path = std::getenv("PATH");
+    setenv("PATH", "/usr/bin:/bin", 1);
     for (const auto& c : cases) {
         const std::string line = outputOf([&] { EXPECT_FALSE(start(c.args)); });
         EXPECT_TRUE(line.starts_with("ProcessManager::start() : cannot start ")) << line;
         EXPECT_TRUE(line.ends_with(c.reason + "\n")) << line;
         EXPECT_EQ(std::count(line.begin(), line.end(), '\n'), 1);
     }
+    setenv("PATH", path.c_str(), 1);
 }
 
 TEST(ProcessManager, RunsInTheWorkingFolderWithTheEnvironmentAskedFor)

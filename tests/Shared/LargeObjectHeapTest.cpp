@@ -93,8 +93,8 @@ TEST(LargeObjectHeap, ChoosesTheSmallestRangeThatFitsTheLowestAmongEquals)
 {
     LargeObjectHeap heap(kMiB);
     std::vector<void*> blocks;
-    for (const std::uint64_t size :
-         {1000, 10, 500, 10, 300, 10, 500, 10}) // every other is released
+    for (const unsigned int size :
+         {1000u, 10u, 500u, 10u, 300u, 10u, 500u, 10u}) // every other is released
         blocks.push_back(heap.Alloc(size));
     for (std::size_t i = 0; i < blocks.size(); i += 2)
         heap.Free(blocks[i]);

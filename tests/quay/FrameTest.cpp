@@ -13,6 +13,7 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <iterator>
 #include <set>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -273,6 +274,29 @@ TEST_F(ProgramTest, WritesAFrameOfThisMachine)
         EXPECT_EQ(image->getSize(), c.size) << c.options;
         EXPECT_GT(colours(image), 100) << c.options;
     }
+}
+
+TEST_F(ProgramTest, TheNextRunBeginsWhereTheLastOneEnded)
+{
+    const fs::path file = folder_ / "Quay Board/Preferences/UserSettings.txt";
+    const auto contents = [&] {
+        std::ifstream stream(file);
+        return std::string(std::istreambuf_iterator<char>(stream), {});
+    };
+    fs::create_directories(file.parent_path());
+    std::ofstream(file) << "[Board]\nOrder=system memory\nRefreshMs=500\nUnits=decimal\n\n";
+    ASSERT_EQ(run("--size 900x700 --seconds 1").status, 0);
+    const std::string first = contents();
+    for (const char* line : {"Order=system memory\n", "RefreshMs=500\n", "Units=decimal\n",
+                             "Width=900\n", "Height=700\n"})
+        EXPECT_NE(first.find(line), std::string::npos) << line << first;
+    ASSERT_EQ(run("--seconds 1").status, 0);
+    EXPECT_EQ(contents(), first);
+
+    std::ofstream(file)
+        << "[Board\n[Board]\nRefreshMs=-7\nUnits=\xFF\n[Window]\nWidth=nan\nHeight=1e99\n";
+    EXPECT_EQ(run("--seconds 1").status, 0);
+    EXPECT_NE(contents().find("RefreshMs=1000\n"), std::string::npos) << contents();
 }
 
 TEST_F(ProgramTest, BadArgumentsEndWithOneLine)

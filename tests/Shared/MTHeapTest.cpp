@@ -5,6 +5,8 @@
 
 #include <OS.h>
 #include <OS/Core/Exception.h>
+#include <OS/Files/iSettings.h>
+#include <OS/Files/iShell.h>
 #include <OS/Shared/MTHeap.h>
 
 #include <gtest/gtest.h>
@@ -14,7 +16,9 @@
 #include <new>
 #include <set>
 #include <sys/mman.h>
+#include <sys/wait.h>
 #include <thread>
+#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -75,6 +79,57 @@ public:
     bool refuse = false;
     bool retrying = false;
 };
+
+struct PoolSetting
+{
+    const char* text;
+    std::uint64_t pool;
+    int tookOneMegabyteFrom; // 1: the pool, 2: the C allocator
+};
+std::vector<PoolSetting> poolSettings{{nullptr, std::uint64_t(1) << 40, 0},
+                                      {"1", 1 << 20, 0},
+                                      {"64", 64 << 20, 0},
+                                      {"99999999999999999999", 0, 0},
+                                      {"4000000000", 0, 0},
+                                      {"many", 0, 0},
+                                      {"-1", 0, 0}};
+
+void choosePool(const char* text)
+{
+    if (text)
+        OS()->shell()
+            ->getSettings(iSettings::eGlobal)
+            ->setValue("VirtualPoolSizeMb", text, nullptr);
+}
+
+// The process's pool is built once, so each setting is tried in a child, before there is one here.
+struct Pools : testing::Environment
+{
+    void SetUp() override
+    {
+        for (PoolSetting& setting : poolSettings) {
+            std::fflush(nullptr);
+            const pid_t child = fork();
+            if (child == 0) {
+                std::freopen("/dev/null", "w", stdout);
+                choosePool(setting.text);
+                MTHeap heap;
+                void* block = heap.alloc((1 << 20) - 100);
+                std::memset(block, 1, (1 << 20) - 100);
+                const bool inPool =
+                    Tq::LargeObjectHeap::instance().Validate(static_cast<char*>(block) - 16);
+                heap.deAlloc(block);
+                _exit(Heap::getHeapStats()->counters[0] == setting.pool ? (inPool ? 1 : 2) : 3);
+            }
+            int status = 0;
+            waitpid(child, &status, 0);
+            setting.tookOneMegabyteFrom = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+        }
+        choosePool("65536"); // ThreadSanitizer leaves no room for the usual one
+        Tq::LargeObjectHeap::instance();
+    }
+};
+[[maybe_unused]] testing::Environment* const pools = testing::AddGlobalTestEnvironment(new Pools);
 
 constexpr std::size_t kOneToAChunk = 32764;
 
@@ -363,4 +418,16 @@ TEST(MTHeap, ReportsTheCachesThenTheLargeObjects)
     EXPECT_TRUE(output.starts_with("cache\n")) << output;
     EXPECT_NE(output.find("Mb in pool size "), std::string::npos) << output;
     EXPECT_TRUE(heap.isPointerValid(nullptr));
+}
+
+TEST(MTHeap, TheGlobalSettingsSayHowLargeThePoolIs)
+{
+    for (const PoolSetting& setting : poolSettings) {
+#ifdef OS_TESTS_UNDER_SANITIZER
+        if (!setting.text)
+            continue; // the sanitizer may leave no room for it
+#endif
+        EXPECT_EQ(setting.tookOneMegabyteFrom, setting.pool ? 1 : 2)
+            << (setting.text ? setting.text : "no setting");
+    }
 }

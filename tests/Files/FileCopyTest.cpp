@@ -233,9 +233,11 @@ TEST_F(CopyTest, CopiesFilesWithoutASize)
 {
     EXPECT_TRUE(OS()->fileMgr()->copyFile(L"/proc/self/limits", folder_.wide("limits"), false, {}));
     EXPECT_NE(folder_.read("limits").find("Max open files"), std::string::npos);
+    EXPECT_EQ(folder_.mode("limits"), 0444u);
     folder_.write("empty", "");
-    EXPECT_TRUE(copy("empty", "limits"));
-    EXPECT_EQ(folder_.read("limits"), "");
+    folder_.write("full", "old");
+    EXPECT_TRUE(copy("empty", "full"));
+    EXPECT_EQ(folder_.read("full"), "");
 }
 
 TEST_F(CopyTest, KeepsHolesBeyondFourGigabytes)

@@ -15,8 +15,11 @@
 #include <fcntl.h>
 #include <optional>
 #include <pwd.h>
+#include <sched.h>
 #include <string>
+#include <sys/mount.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -323,8 +326,33 @@ TEST_F(OperationsTest, FindsLibrariesWhereTheLoaderDoes)
         EXPECT_EQ(files()->findSysLib(name), L"") << PathFunctions::TqtoOS(name).c_str();
 }
 
-TEST(Recycling, PutsThingsWhereTheUserFindsThem)
+// The desktop's library remembers the first home that it saw.
+class Recycling : public testing::Test
 {
+protected:
+    static constexpr char kFresh[] = "OS_TEST_FRESH_PROCESS";
+
+    // Runs the test once more in a process of its own. @return whether this is not that one
+    static bool runsElsewhere()
+    {
+        if (std::getenv(kFresh))
+            return false;
+        const auto* test = testing::UnitTest::GetInstance()->current_test_info();
+        const std::string filter = std::string("--gtest_filter=Recycling.") + test->name();
+        const int status = inChild([&] {
+            setenv(kFresh, "1", 1);
+            execl("/proc/self/exe", "test_files", filter.c_str(), "--gtest_repeat=1", nullptr);
+            return 1;
+        });
+        EXPECT_EQ(status, 0) << "see above";
+        return true;
+    }
+};
+
+TEST_F(Recycling, PutsThingsWhereTheUserFindsThem)
+{
+    if (runsElsewhere())
+        return;
     const HomeFolder home;
     const auto wide = [&](const char* name) {
         return PathFunctions::OStoTq(home.path(name).c_str());
@@ -344,4 +372,31 @@ TEST(Recycling, PutsThingsWhereTheUserFindsThem)
     EXPECT_EQ(home.read(".local/share/Trash/files/file"), "text");
     EXPECT_FALSE(files()->recycleFile(wide("missing")));
     EXPECT_FALSE(files()->recycleFile(L""));
+}
+
+TEST_F(Recycling, TakesTheTrashOfAnotherFileSystem)
+{
+    if (runsElsewhere())
+        return;
+    const HomeFolder home;
+    fs::create_directory(home.path("disk"));
+    if (unshare(CLONE_NEWNS) != 0 ||
+        mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+        mount("none", home.path("disk").c_str(), "tmpfs", 0, "size=128k") != 0)
+        GTEST_SKIP() << "mounting a small disk is not permitted";
+    home.write("disk/file", "text");
+    const auto file = PathFunctions::OStoTq(home.path("disk/file").c_str());
+    EXPECT_TRUE(files()->recycleFile(file));
+    const std::string trash = "disk/.Trash-" + std::to_string(geteuid()) + "/";
+    EXPECT_EQ(home.read(trash + "files/file"), "text");
+    EXPECT_NE(home.read(trash + "info/file.trashinfo").find("Path="), std::string::npos);
+
+    fs::remove_all(home.path(trash));
+    home.write(trash.substr(0, trash.size() - 1), "in the way");
+    home.write("disk/file", "kept");
+    OutputCapture errors(OutputCapture::eStderr);
+    EXPECT_FALSE(files()->recycleFile(file));
+    EXPECT_EQ(errors.text(), "");
+    EXPECT_EQ(home.read("disk/file"), "kept");
+    umount2(home.path("disk").c_str(), MNT_DETACH);
 }

@@ -25,11 +25,6 @@ constexpr mode_t kMode = 0777; // before the process's mask
 constexpr double kSlowReadMs = 10.0;
 constexpr double kSlowPositionedReadMs = 20.0;
 
-double clockMs()
-{
-    return OS()->utils()->timeNow();
-}
-
 int openFlags(unsigned int access, iFile::eOpenBehaviour behaviour)
 {
     int flags = O_CLOEXEC | O_NOCTTY;
@@ -70,7 +65,7 @@ bool isUnsupported(const char* place)
 
 File::File(const LightweightString<wchar_t>& name, const LightweightString<char>& osPath,
            unsigned int access, eOpenBehaviour behaviour, eShareMode /*share*/, std::uint32_t flags)
-    : flags_(flags), osPath_(osPath), name_(name)
+    : flags_(flags), osPath_(osPath), name_(name), utils_(OS()->utils())
 {
     fd_ = openRepeatedly(osPath_, openFlags(access, behaviour));
     struct stat info;
@@ -119,9 +114,10 @@ ssize_t File::transfer(std::int64_t position, Call call, CallAt callAt)
     if (!ownPosition_)
         return call();
     const ssize_t count = callAt(position);
-    // A positionAt that came meanwhile wins.
-    if (count > 0)
-        position_.compare_exchange_strong(position, position + count, std::memory_order_relaxed);
+    // A positionAt that came meanwhile wins, as good as always: a locked instruction for the rest
+    // would cost every transfer.
+    if (count > 0 && position_.load(std::memory_order_relaxed) == position)
+        position_.store(position + count, std::memory_order_relaxed);
     return count;
 }
 
@@ -132,7 +128,7 @@ unsigned int File::readTimed(std::int64_t position, void* buffer, unsigned int l
     const ssize_t count = transfer(
         position, [&] { return ::read(fd_, buffer, length); },
         [&](std::int64_t at) { return pread(fd_, buffer, length, at); });
-    const double beforeMs = std::exchange(nowMs, clockMs());
+    const double beforeMs = std::exchange(nowMs, utils_->timeNow());
     if (nowMs - beforeMs > kSlowReadMs)
         OSInternal::printLine("%-9.3f: read elapsed %.3fms\n", nowMs / 1000.0, nowMs - beforeMs);
     return static_cast<unsigned int>(count);
@@ -141,20 +137,20 @@ unsigned int File::readTimed(std::int64_t position, void* buffer, unsigned int l
 unsigned int File::read(void* buffer, unsigned int length)
 {
     const Lock lock(*lock_);
-    double nowMs = clockMs();
+    double nowMs = utils_->timeNow();
     return readTimed(position_.load(std::memory_order_relaxed), buffer, length, nowMs);
 }
 
 unsigned int File::readAt(unsigned long long offset, void* buffer, unsigned int length)
 {
     const Lock lock(*lock_);
-    const double startMs = clockMs();
+    const double startMs = utils_->timeNow();
     double nowMs = startMs;
     const Seek sought = seek(offset);
     if (!sought.done_)
         return 0;
     if (sought.asked_) {
-        nowMs = clockMs();
+        nowMs = utils_->timeNow();
         if (nowMs - startMs > kSlowPositionedReadMs)
             OSInternal::printLine("seek elapsed %.3fms\n", nowMs - startMs);
     }

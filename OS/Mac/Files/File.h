@@ -5,6 +5,8 @@
 
 #include <atomic>
 
+class iUtils;
+
 /// iFile on a POSIX descriptor.
 ///
 /// Each transfer is one system call: a short one, and one that a signal interrupted (handlers
@@ -63,6 +65,7 @@ private:
     std::uint32_t flags_;
     LightweightString<char> osPath_;
     LightweightString<wchar_t> name_;
+    iUtils* utils_;            // whose clock is looked at around every read
     bool ownPosition_ = false; // a file whose position is kept here
     std::atomic<std::int64_t> position_{0};
     std::atomic<std::int64_t> seekLimit_{0}; // the system accepts positions up to here

@@ -5,6 +5,7 @@
 // Calls before its constructor and after its destructor, and those of a forked child, are served
 // and not recorded. It uses nothing of this project's library, nor of the C++ library.
 
+#include "CAllocator.h"
 #include "Trace.h"
 
 #include <atomic>
@@ -13,28 +14,18 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <dlfcn.h>
 #include <fcntl.h>
 #include <pthread.h>
 #include <sched.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
-// The C library's own allocator, under the names by which it can be reached from a replacement.
-extern "C" {
-void* __libc_malloc(std::size_t size);
-void* __libc_calloc(std::size_t count, std::size_t size);
-void* __libc_realloc(void* block, std::size_t size);
-void* __libc_memalign(std::size_t alignment, std::size_t size);
-void __libc_free(void* block);
-}
-
 namespace {
 
+using CAllocator::kAlignment;
 using Trace::Call;
 using Trace::Record;
 
-constexpr std::size_t kAlignment = 16;
 constexpr std::size_t kBuffered = 4096;
 constexpr std::uint32_t kSlots = 1u << 22; // a power of two
 constexpr std::uint32_t kMaxLive = kSlots / 4 * 3;
@@ -209,19 +200,6 @@ void stopInChild()
     state.recording = false;
 }
 
-void* makeAligned(std::size_t alignment, std::size_t size)
-{
-    const Lock lock;
-    void* block = __libc_memalign(alignment, size);
-    if (alignment <= kAlignment)
-        noteMade(block, size);
-    else
-        noteMade(
-            block, size, Call::eAligned,
-            static_cast<unsigned>(__builtin_ctzll(static_cast<unsigned long long>(alignment))));
-    return block;
-}
-
 } // namespace
 
 extern "C" {
@@ -274,38 +252,17 @@ extern "C" {
     return moved;
 }
 
-[[gnu::visibility("default")]] void* reallocarray(void* block, std::size_t count, std::size_t size)
-{
-    std::size_t bytes = 0;
-    if (__builtin_mul_overflow(count, size, &bytes)) {
-        errno = ENOMEM;
-        return nullptr;
-    }
-    return realloc(block, bytes);
-}
-
 [[gnu::visibility("default")]] void* memalign(std::size_t alignment, std::size_t size)
 {
-    return makeAligned(alignment, size);
-}
-
-[[gnu::visibility("default")]] void* aligned_alloc(std::size_t alignment, std::size_t size)
-{
-    return makeAligned(alignment, size);
-}
-
-[[gnu::visibility("default")]] int posix_memalign(void** result, std::size_t alignment,
-                                                  std::size_t size)
-{
-    if (alignment < sizeof(void*) || (alignment & (alignment - 1)) != 0)
-        return EINVAL;
-    const int error = errno;
-    void* block = makeAligned(alignment, size);
-    errno = error;
-    if (!block)
-        return ENOMEM;
-    *result = block;
-    return 0;
+    const Lock lock;
+    void* block = __libc_memalign(alignment, size);
+    if (alignment <= kAlignment)
+        noteMade(block, size);
+    else
+        noteMade(
+            block, size, Call::eAligned,
+            static_cast<unsigned>(__builtin_ctzll(static_cast<unsigned long long>(alignment))));
+    return block;
 }
 
 // A recorded block is as long as was asked for, so that the program uses no more of it.
@@ -319,8 +276,6 @@ extern "C" {
             if (const Slot* slot = find(block); slot->address)
                 return slot->size;
     }
-    static const auto original =
-        reinterpret_cast<std::size_t (*)(void*)>(dlsym(RTLD_NEXT, "malloc_usable_size"));
-    return original ? original(block) : 0;
+    return CAllocator::usableSize(block);
 }
 }

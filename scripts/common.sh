@@ -24,3 +24,14 @@ if [ -z "${XDG_RUNTIME_DIR:-}" ]; then
     export XDG_RUNTIME_DIR=$root/build/runtime
     mkdir -p -m 700 "$XDG_RUNTIME_DIR"
 fi
+
+# own_home PRESET: what is run from now on has a home of its own, so that nothing of the user's is read or written.
+own_home()
+{
+    export HOME=$root/build/$1/home
+    local variable
+    for variable in "${!XDG_@}"; do
+        [ "$variable" = XDG_RUNTIME_DIR ] || unset "$variable"
+    done
+    mkdir -p "$HOME"
+}

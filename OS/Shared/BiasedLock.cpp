@@ -15,14 +15,14 @@ constexpr int kAttemptsBeforeNap = 1000;
 
 // A barrier interrupts the other processors, which takes some ten microseconds: as much as a
 // thousand shared uses take longer than biased ones.
-constexpr std::uint32_t kFirstStreak = 512;
-constexpr int kMostDoublings = 11;
-constexpr std::uint32_t kLongestStreak = kFirstStreak << kMostDoublings;
+constexpr std::uint16_t kFirstStreak = 512;
+constexpr std::uint8_t kMostDoublings = 6;
+constexpr std::uint16_t kLongestStreak = kFirstStreak << kMostDoublings;
 
 // Enough to guess by: a wrong guess costs a barrier.
-std::uint32_t shortened(std::uintptr_t thread)
+std::uint8_t shortened(std::uintptr_t thread)
 {
-    return static_cast<std::uint32_t>(thread >> 6);
+    return static_cast<std::uint8_t>(thread >> 12);
 }
 
 long membarrier(int command)
@@ -68,7 +68,7 @@ void BiasedLock::awaitOutside(const State& state)
             TestAndSetLock::nap();
 }
 
-void BiasedLock::endBias(State& state, std::uint32_t streak)
+void BiasedLock::endBias(State& state, std::uint16_t streak)
 {
     state.owner.store(State::kShared, std::memory_order_relaxed);
     state.streak = streak;
@@ -97,7 +97,7 @@ void BiasedLock::lockShared(State& state, std::uintptr_t self)
         state.owner.store(biasing ? self : State::kShared, std::memory_order_relaxed);
     } else if (owner != self) {
         state.biasesEnded =
-            static_cast<std::uint8_t>(std::min(state.biasesEnded + 1, kMostDoublings));
+            std::min(static_cast<std::uint8_t>(state.biasesEnded + 1), kMostDoublings);
         endBias(state, 0);
         passBarrier();
         awaitOutside(state);

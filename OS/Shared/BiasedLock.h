@@ -2,7 +2,8 @@
 
 #include "OS/Shared/TestAndSetLock.h"
 
-#include <OS/Shared/MTHeap.h>
+#include <atomic>
+#include <cstdint>
 
 namespace Tq {
 
@@ -22,7 +23,19 @@ namespace Tq {
 class BiasedLock
 {
 public:
-    using State = detail::BinLockState;
+    /// What the lock keeps; unlocked and nobody's when all is zero.
+    struct State
+    {
+        static constexpr std::uintptr_t kNobody = 0;
+        static constexpr std::uintptr_t kShared = 1;
+
+        std::atomic<std::uintptr_t> owner{kNobody};
+        TestAndSetLock::Word taken{0};
+        std::atomic<std::uint8_t> inside{0};
+        std::uint8_t biasesEnded = 0;
+        std::uint8_t candidate = 0;
+        std::uint16_t streak = 0;
+    };
 
     /// How a lock is held: pass it to unlock.
     enum class Hold : bool
@@ -31,18 +44,26 @@ public:
         eBiased
     };
 
-    [[gnu::always_inline]] static Hold lock(State& state)
+    /// Takes it by bias, which neither waits nor calls anything.
+    [[gnu::always_inline]] static bool tryBiased(State& state)
     {
         const std::uintptr_t self = threadPointer();
-        if (state.owner.load(std::memory_order_relaxed) == self) [[likely]] {
-            state.inside.store(1, std::memory_order_relaxed);
-            // The compiler keeps the order; for the processor's the one who ends the bias cares.
-            std::atomic_signal_fence(std::memory_order_seq_cst);
-            if (state.owner.load(std::memory_order_acquire) == self) [[likely]]
-                return Hold::eBiased;
-            state.inside.store(0, std::memory_order_release);
-        }
-        lockShared(state, self);
+        if (state.owner.load(std::memory_order_relaxed) != self) [[unlikely]]
+            return false;
+        state.inside.store(1, std::memory_order_relaxed);
+        // The compiler keeps the order; for the processor's the one who ends the bias cares.
+        std::atomic_signal_fence(std::memory_order_seq_cst);
+        if (state.owner.load(std::memory_order_acquire) == self) [[likely]]
+            return true;
+        state.inside.store(0, std::memory_order_release);
+        return false;
+    }
+
+    static Hold lock(State& state)
+    {
+        if (tryBiased(state))
+            return Hold::eBiased;
+        lockShared(state, threadPointer());
         return Hold::eShared;
     }
 
@@ -74,7 +95,7 @@ private:
         return State::kShared + 1; // nobody's
 #endif
     }
-    static void endBias(State& state, std::uint32_t streak);
+    static void endBias(State& state, std::uint16_t streak);
     static void lockShared(State& state, std::uintptr_t self);
     static void noteSharedUse(State& state, std::uintptr_t self);
 };

@@ -2,8 +2,11 @@
 
 #include "OS/Shared/BiasedLock.h"
 #include "OS/Shared/ForkGuarded.h"
+#include "OS/Shared/ThreadsList.h"
 
 #include "OS/Mac/Threads/LockRank.h"
+
+#include <OS/Shared/MTHeap.h>
 
 #include <array>
 #include <cstdint>
@@ -13,15 +16,18 @@ namespace Tq {
 /// The locks of a heap's bins. Which kind is chosen at build time, so that the gain of the small
 /// lock stays measurable.
 ///
-/// lock(state, bin) gives what unlock(state, bin, hold) wants back. The three for a fork are given
-/// a function from a bin's index to its state.
+/// Each bin has kLists lists of free blocks, each with a state. lock(state, bin) gives what
+/// unlock(state, bin, hold) wants back; tryLock(state) takes only what is to be had at no cost, and
+/// is answered by unlock(state). The three for a fork are given the number of all states,
+/// and a function from an index to one.
 
 #if defined(OS_HEAP_CRITICAL_SECTIONS)
 
 class CriticalSectionBins
 {
 public:
-    using State = detail::BinLockState;
+    static constexpr std::uint32_t kLists = 1;
+    using State = BiasedLock::State;
     struct Hold
     {
     };
@@ -31,6 +37,8 @@ public:
         for (Section& each : sections_)
             each.section.setRank(OSInternal::LockRank::eHeapBin);
     }
+    static bool tryLock(State&) { return false; }
+    static void unlock(State&) {}
     Hold lock(State&, std::uint32_t bin)
     {
         sections_[bin].section.lock();
@@ -39,19 +47,19 @@ public:
     void unlock(State&, std::uint32_t bin, Hold) { sections_[bin].section.unlock(); }
 
     template <class StateOf>
-    void lockForFork(StateOf)
+    void lockForFork(std::uint32_t, StateOf)
     {
         for (Section& each : sections_)
             Tq::lockForFork(each.section);
     }
     template <class StateOf>
-    void unlockAfterFork(StateOf)
+    void unlockAfterFork(std::uint32_t, StateOf)
     {
         for (Section& each : sections_)
             each.section.unlock();
     }
     template <class StateOf>
-    void renewInChild(StateOf)
+    void renewInChild(std::uint32_t, StateOf)
     {
         for (Section& each : sections_)
             Tq::renewInChild(each.section, OSInternal::LockRank::eHeapBin);
@@ -72,24 +80,27 @@ using BinLocks = CriticalSectionBins;
 class UnlockedBins
 {
 public:
-    using State = detail::BinLockState;
+    static constexpr std::uint32_t kLists = 1;
+    using State = BiasedLock::State;
     struct Hold
     {
     };
 
+    static bool tryLock(State&) { return true; }
+    static void unlock(State&) {}
     static Hold lock(State&, std::uint32_t) { return {}; }
     static void unlock(State&, std::uint32_t, Hold) {}
 
     template <class StateOf>
-    static void lockForFork(StateOf)
+    static void lockForFork(std::uint32_t, StateOf)
     {
     }
     template <class StateOf>
-    static void unlockAfterFork(StateOf)
+    static void unlockAfterFork(std::uint32_t, StateOf)
     {
     }
     template <class StateOf>
-    static void renewInChild(StateOf)
+    static void renewInChild(std::uint32_t, StateOf)
     {
     }
 };
@@ -100,10 +111,20 @@ using BinLocks = UnlockedBins;
 class BiasedBins
 {
 public:
-    using State = detail::BinLockState;
+    static constexpr std::uint32_t kLists = ThreadsList::kCount;
+    using State = BiasedLock::State;
     using Hold = BiasedLock::Hold;
 
-    [[gnu::always_inline]] static Hold lock(State& state, std::uint32_t)
+    // Neither waits nor takes another lock: nothing to check.
+    [[gnu::always_inline]] static bool tryLock(State& state)
+    {
+        return BiasedLock::tryBiased(state);
+    }
+    [[gnu::always_inline]] static void unlock(State& state)
+    {
+        BiasedLock::unlock(state, Hold::eBiased);
+    }
+    static Hold lock(State& state, std::uint32_t)
     {
 #ifdef OS_CHECK_LOCK_RANKS
         OSInternal::checkLockOrder(&state, OSInternal::LockRank::eHeapBin);
@@ -114,7 +135,7 @@ public:
 #endif
         return hold;
     }
-    [[gnu::always_inline]] static void unlock(State& state, std::uint32_t, Hold hold)
+    static void unlock(State& state, std::uint32_t, Hold hold)
     {
 #ifdef OS_CHECK_LOCK_RANKS
         OSInternal::noteUnlocked(&state, OSInternal::LockRank::eHeapBin);
@@ -124,27 +145,27 @@ public:
 
     // One barrier for all bins: a single one costs as much as a thousand allocations.
     template <class StateOf>
-    static void lockForFork(StateOf stateOf)
+    static void lockForFork(std::uint32_t count, StateOf stateOf)
     {
         bool biased = false;
-        for (std::uint32_t bin = 0; bin < MTHeap::kBinCount; ++bin)
-            biased = BiasedLock::takeForFork(stateOf(bin)) || biased;
+        for (std::uint32_t i = 0; i < count; ++i)
+            biased = BiasedLock::takeForFork(stateOf(i)) || biased;
         if (!biased)
             return;
         BiasedLock::passBarrier();
-        for (std::uint32_t bin = 0; bin < MTHeap::kBinCount; ++bin)
-            BiasedLock::awaitOutside(stateOf(bin));
+        for (std::uint32_t i = 0; i < count; ++i)
+            BiasedLock::awaitOutside(stateOf(i));
     }
     template <class StateOf>
-    static void unlockAfterFork(StateOf stateOf)
+    static void unlockAfterFork(std::uint32_t count, StateOf stateOf)
     {
-        for (std::uint32_t bin = 0; bin < MTHeap::kBinCount; ++bin)
-            BiasedLock::unlock(stateOf(bin), Hold::eShared);
+        for (std::uint32_t i = 0; i < count; ++i)
+            BiasedLock::unlock(stateOf(i), Hold::eShared);
     }
     template <class StateOf>
-    static void renewInChild(StateOf stateOf)
+    static void renewInChild(std::uint32_t count, StateOf stateOf)
     {
-        unlockAfterFork(stateOf); // a word knows no owner's number
+        unlockAfterFork(count, stateOf); // a word knows no owner's number
     }
 };
 using BinLocks = BiasedBins;

@@ -5,7 +5,7 @@
 
 namespace Tq {
 
-/// A lock in one word: a locked instruction to take it and a plain store to give it back.
+/// A lock in one byte: a locked instruction to take it and a plain store to give it back.
 ///
 /// For sections of a few instructions that call nothing of a client's. Not recursive and not fair.
 /// A thread that waits backs off and soon sleeps, so a preempted owner gets its processor back
@@ -13,7 +13,7 @@ namespace Tq {
 class TestAndSetLock
 {
 public:
-    using Word = std::atomic<std::uint32_t>;
+    using Word = std::atomic<std::uint8_t>;
 
     static void lock(Word& word)
     {

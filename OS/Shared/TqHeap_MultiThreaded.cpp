@@ -1,6 +1,6 @@
 #include <OS/Shared/MTHeap.h>
 
-#include "OS/Shared/BinLocks.h"
+#include "OS/Shared/BinLists.h"
 #include "OS/Shared/ForkGuarded.h"
 #include "OS/Shared/TqLargeObjectHeap.h"
 
@@ -62,30 +62,19 @@ void writeLargeSize(void* block, std::size_t size)
     writeSize(block, std::max(static_cast<AllocHeader>(size), AllocHeader(kBinnedLimit + 1)));
 }
 
-// A free block's link lies where its header is, 12 bytes into 16.
-std::byte* readLink(const std::byte* header)
-{
-    std::byte* next;
-    std::memcpy(&next, header, sizeof next);
-    return next;
-}
-
-void writeLink(std::byte* header, std::byte* next)
-{
-    std::memcpy(header, &next, sizeof next);
-}
-
 void* largeBlockOf(void* block)
 {
     return static_cast<std::byte*>(block) - kLargeBlockOffset;
 }
 
-[[gnu::cold, gnu::noinline]] void reportMisalignedResult()
+// @return the block, so that the usual way ends in a jump
+[[gnu::noinline]] void* reportMisalignedResult(void* block)
 {
     OSInternal::reportAssertion("((size_t) mem & (iHeap::kMemAlignment - 1)) == kHeaderOffset",
                                 "OS/Shared/TqHeap_MultiThreaded line 196");
     OSInternal::reportAssertion("((size_t) mem & (iHeap::kMemAlignment - 1)) == 0",
                                 "OS/Shared/TqHeap_MultiThreaded line 200");
+    return block;
 }
 
 [[gnu::cold, gnu::noinline]] void reportMisalignedArgument()
@@ -105,6 +94,13 @@ bool isAligned(const void* block)
     return (addressOf(block) & (iHeap::kMemAlignment - 1)) == 0;
 }
 
+void* blockAt(std::byte* header, std::size_t size)
+{
+    void* block = header + sizeof(AllocHeader);
+    writeSize(block, static_cast<AllocHeader>(size));
+    return isAligned(block) ? block : reportMisalignedResult(block);
+}
+
 void checkArgument(const void* block)
 {
     if (!isAligned(block)) [[unlikely]]
@@ -116,16 +112,8 @@ void checkArgument(const void* block)
 /// The bins' virtual memory, and what the heap's locks do around a fork.
 class MTHeap::Memory final : public ForkGuarded
 {
-    auto states()
-    {
-        return [this](std::uint32_t bin) -> BinLocks::State& { return heap_.bins_[bin].lock; };
-    }
-
 public:
-    explicit Memory(MTHeap& heap) : heap_(heap)
-    {
-        vmemLock_.setRank(OSInternal::LockRank::eHeapVirtualMemory);
-    }
+    Memory() { vmemLock_.setRank(OSInternal::LockRank::eHeapVirtualMemory); }
     ~Memory()
     {
         for (void* region : regions_)
@@ -137,22 +125,22 @@ public:
 
     void lockForFork() override
     {
-        locks_.lockForFork(states());
+        bins_.lockForFork();
         Tq::lockForFork(vmemLock_);
     }
     void unlockAfterFork() override
     {
         vmemLock_.unlock();
-        locks_.unlockAfterFork(states());
+        bins_.unlockAfterFork();
     }
     void renewInChild() override
     {
         Tq::renewInChild(vmemLock_, OSInternal::LockRank::eHeapVirtualMemory);
-        locks_.renewInChild(states());
+        bins_.renewInChild();
     }
 
     OSInternal::CriticalSection& vmemLock() { return vmemLock_; }
-    BinLocks& locks() { return locks_; }
+    BinLists<BinLocks>& bins() { return bins_; }
 
     // A region that starts at a chunk's boundary gives up its whole first chunk, deliberately.
     void add(std::byte* region)
@@ -172,35 +160,14 @@ public:
     }
 
 private:
-    MTHeap& heap_;
+    BinLists<BinLocks> bins_;
     OSInternal::CriticalSection vmemLock_{0};
-    BinLocks locks_;
     std::byte* chunkCursor_ = nullptr;
     std::size_t chunkRemaining_ = 0;
     std::vector<void*, ProcessHeapAllocator<void*>> regions_;
 };
 
-class MTHeap::BinGuard
-{
-public:
-    [[gnu::always_inline]] BinGuard(MTHeap& heap, std::uint32_t bin)
-        : heap_(heap), bin_(bin), hold_(heap.memory_->locks().lock(heap.bins_[bin].lock, bin))
-    {
-    }
-    [[gnu::always_inline]] ~BinGuard()
-    {
-        heap_.memory_->locks().unlock(heap_.bins_[bin_].lock, bin_, hold_);
-    }
-    BinGuard(const BinGuard&) = delete;
-    BinGuard& operator=(const BinGuard&) = delete;
-
-private:
-    MTHeap& heap_;
-    const std::uint32_t bin_;
-    [[no_unique_address]] const BinLocks::Hold hold_;
-};
-
-MTHeap::MTHeap() : memory_(std::make_unique<Memory>(*this))
+MTHeap::MTHeap() : memory_(std::make_unique<Memory>())
 {
     getMoreVmem();
     memory_->enrol();
@@ -216,37 +183,41 @@ void* MTHeap::alloc(std::size_t size)
     if (size > kBinnedLimit) [[unlikely]]
         return allocLarge(size);
 
-    const std::uint32_t index = getBinIndexFromSize(size);
-    Bin& bin = bins_[index];
-    std::byte* header;
-    {
-        const BinGuard guard(*this, index);
-        if (!bin.freeList) [[unlikely]]
-            getMoreMemoryForBin(index);
-        header = bin.freeList;
-        bin.freeList = readLink(header);
-    }
-    void* block = header + sizeof(AllocHeader);
-    writeSize(block, static_cast<AllocHeader>(size));
-    if (!isAligned(block)) [[unlikely]]
-        reportMisalignedResult();
-    return block;
+    std::byte* header = memory_->bins().tryPop(getBinIndexFromSize(size));
+    if (!header) [[unlikely]]
+        return allocBinned(size);
+    return blockAt(header, size);
+}
+
+void* MTHeap::allocBinned(std::size_t size)
+{
+    const std::uint32_t bin = getBinIndexFromSize(size);
+    std::byte* header = memory_->bins().pop(bin);
+    if (!header)
+        header = getMoreMemoryForBin(bin);
+    return blockAt(header, size);
 }
 
 void MTHeap::deAlloc(void* block)
 {
     if (!block)
         return;
-    checkArgument(block);
+    if (!isAligned(block)) [[unlikely]]
+        return deAllocMisaligned(block);
+    release(block);
+}
+
+void MTHeap::deAllocMisaligned(void* block)
+{
+    reportMisalignedArgument();
+    release(block);
+}
+
+inline void MTHeap::release(void* block)
+{
     const AllocHeader size = readSize(block);
-    if (size > kBinnedLimit) [[unlikely]] {
-        if (!isAligned(block))
-            OSInternal::reportAssertion(
-                "((size_t) ptr & (iHeap::kMemAlignmentLarge - 1)) == kHeaderOffsetLarge",
-                "OS/Shared/TqHeap_MultiThreaded line 243");
-        LargeObjectHeap::instance().Free(largeBlockOf(block));
-        return;
-    }
+    if (size > kBinnedLimit) [[unlikely]]
+        return deAllocLarge(block);
 
     const std::uint32_t index = getBinIndexFromSize(size);
     std::byte* header = headerOf(block);
@@ -255,10 +226,17 @@ void MTHeap::deAlloc(void* block)
         [[unlikely]]
         refuseRelease();
 
-    Bin& bin = bins_[index];
-    const BinGuard guard(*this, index);
-    writeLink(header, bin.freeList);
-    bin.freeList = header;
+    if (!memory_->bins().tryPush(index, header)) [[unlikely]]
+        memory_->bins().push(index, header);
+}
+
+void MTHeap::deAllocLarge(void* block)
+{
+    if (!isAligned(block))
+        OSInternal::reportAssertion(
+            "((size_t) ptr & (iHeap::kMemAlignmentLarge - 1)) == kHeaderOffsetLarge",
+            "OS/Shared/TqHeap_MultiThreaded line 243");
+    LargeObjectHeap::instance().Free(largeBlockOf(block));
 }
 
 void* MTHeap::reAlloc(void* block, std::size_t size)
@@ -307,9 +285,7 @@ void* MTHeap::resizeLarge(void* block, std::size_t newSize)
         return nullptr;
     void* resized = static_cast<std::byte*>(large) + kLargeBlockOffset;
     writeLargeSize(resized, newSize);
-    if (!isAligned(resized))
-        reportMisalignedResult();
-    return resized;
+    return isAligned(resized) ? resized : reportMisalignedResult(resized);
 }
 
 void* MTHeap::allocLarge(std::size_t size)
@@ -322,9 +298,7 @@ void* MTHeap::allocLarge(std::size_t size)
                                     "OS/Shared/TqHeap_MultiThreaded line 188");
     void* block = static_cast<std::byte*>(large) + kLargeBlockOffset;
     writeLargeSize(block, size);
-    if (!isAligned(block))
-        reportMisalignedResult();
-    return block;
+    return isAligned(block) ? block : reportMisalignedResult(block);
 }
 
 void MTHeap::getMoreVmem()
@@ -353,17 +327,13 @@ std::byte* MTHeap::getAlignedChunk()
     return memory_->takeChunk();
 }
 
-void MTHeap::getMoreMemoryForBin(std::uint32_t bin)
+// @return the header of a block; the others go to the thread's list.
+std::byte* MTHeap::getMoreMemoryForBin(std::uint32_t bin)
 {
-    std::byte* chunk = getAlignedChunk();
     const std::size_t stride = getBinMaxSize(bin);
-    const std::size_t count = (kChunkSize - iHeap::kMemAlignment) / stride;
-    std::byte* first = chunk + kHeaderOffset;
-    std::byte* last = first + (count - 1) * stride;
-    for (std::byte* header = first; header < last; header += stride)
-        writeLink(header, header + stride);
-    writeLink(last, nullptr);
-    bins_[bin].freeList = first;
+    std::byte* first = getAlignedChunk() + kHeaderOffset;
+    memory_->bins().pushRun(bin, first + stride, (kChunkSize - iHeap::kMemAlignment) / stride - 1);
+    return first;
 }
 
 void MTHeap::report()

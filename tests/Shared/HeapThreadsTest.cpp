@@ -116,7 +116,7 @@ TEST(HeapThreads, BlocksCrossThreadsWhole)
 
 TEST(HeapThreads, ABinLockKeepsEveryOtherThreadOut)
 {
-    Tq::detail::BinLockState state;
+    Tq::BiasedLock::State state;
     long long count = 0; // guarded by it
     constexpr int kTurns = 30 * kRounds;
     // Long turns of one thread and short ones of all: the bias comes, ends and comes back.
@@ -147,7 +147,7 @@ TEST(HeapThreads, ABinLockKeepsEveryOtherThreadOut)
 
 TEST(HeapThreads, ABinBelongsToTheThreadThatAloneUsesIt)
 {
-    using State = Tq::detail::BinLockState;
+    using State = Tq::BiasedLock::State;
     State state;
     const auto use = [&](int times) {
         for (int i = 0; i < times; ++i)

@@ -202,7 +202,7 @@ TEST(MTHeap, LaysTheBlocksOfAChunkOutInOrder)
     EXPECT_EQ(heap.alloc(kOneToAChunk), first + 3 * 65536) << "only one of these fits a chunk";
 }
 
-TEST(MTHeap, HandsAReleasedBlockToWhicheverThreadComesNext)
+TEST(MTHeap, HandsAReleasedBlockToTheThreadsNextRequest)
 {
     MTHeap heap;
     void* first = heap.alloc(100);
@@ -210,9 +210,57 @@ TEST(MTHeap, HandsAReleasedBlockToWhicheverThreadComesNext)
     std::thread([&] {
         heap.deAlloc(first);
         heap.deAlloc(second);
+        EXPECT_EQ(heap.alloc(100), second);
+        EXPECT_EQ(heap.alloc(108), first) << "any size of the bin";
     }).join();
-    EXPECT_EQ(heap.alloc(100), second);
-    std::thread([&] { EXPECT_EQ(heap.alloc(108), first) << "any size of the bin"; }).join();
+}
+
+// What other threads release serves everybody before a bin takes more memory: one thread allocates
+// for ever and another releases.
+TEST(MTHeap, UsesWhatOtherThreadsHaveReleased)
+{
+    for (const std::size_t size : {0u, 60u, 1000u, 9000u, 32'764u}) {
+        MTHeap heap;
+        std::set<std::uintptr_t> chunks;
+        std::vector<void*> handedOver;
+        for (int round = 0; round < 50; ++round) {
+            for (std::size_t bytes = 0; bytes < 4 * MTHeap::kChunkSize; bytes += size + 16) {
+                handedOver.push_back(heap.alloc(size));
+                chunks.insert(reinterpret_cast<std::uintptr_t>(handedOver.back()) /
+                              MTHeap::kChunkSize);
+            }
+            std::thread([&] {
+                for (void* block : handedOver)
+                    heap.deAlloc(block);
+            }).join();
+            handedOver.clear();
+        }
+        // Blocks of over 16 KiB fill but half of a chunk.
+        EXPECT_LE(chunks.size(), 10u) << size;
+    }
+}
+
+// Batches are put together and taken apart; no block is ever lost or handed out twice.
+TEST(MTHeap, KeepsEveryBlockThroughManyReleases)
+{
+    MTHeap heap;
+    constexpr std::size_t kSize = 100;
+    std::vector<void*> blocks;
+    std::set<void*> first;
+    for (int i = 0; i < 2000; ++i)
+        first.insert(heap.alloc(kSize));
+    for (const int releasedAtOnce : {1, 127, 128, 129, 1000, 2000}) {
+        blocks.assign(first.begin(), first.end());
+        for (int round = 0; round < 5; ++round) {
+            for (int i = 0; i < releasedAtOnce; ++i) {
+                heap.deAlloc(blocks.back());
+                blocks.pop_back();
+            }
+            for (int i = 0; i < releasedAtOnce; ++i)
+                blocks.push_back(heap.alloc(kSize));
+        }
+        EXPECT_EQ(std::set<void*>(blocks.begin(), blocks.end()), first) << releasedAtOnce;
+    }
 }
 
 TEST(MTHeap, RefusesToReleaseWhatCannotBeABlock)

@@ -2,36 +2,20 @@
 
 #include <OS/Shared/Heap.h>
 
-#include <atomic>
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 
 namespace Tq {
 
-namespace detail {
-
-/// What the lock of a bin keeps.
-struct BinLockState
-{
-    static constexpr std::uintptr_t kNobody = 0;
-    static constexpr std::uintptr_t kShared = 1;
-
-    std::atomic<std::uintptr_t> owner{kNobody};
-    std::atomic<std::uint32_t> taken{0};
-    std::atomic<std::uint8_t> inside{0};
-    std::uint8_t biasesEnded = 0;
-    std::uint32_t candidate = 0;
-    std::uint32_t streak = 0;
-};
-
-} // namespace detail
-
 /// A heap for many threads at once.
 ///
-/// Blocks of up to 32764 bytes come from 2048 bins, one for every 16 bytes of size, each with a
-/// lock and a list of free blocks of its own; larger ones come from the large-object heap, which
-/// all heaps share. Nothing is kept for a single thread: a released block is at once the next one
-/// of its bin, for every thread. Memory of the bins goes back to the system only with the heap, so
-/// a heap that lives as long as a task is a good way to hold a task's memory together.
+/// Blocks of up to 32764 bytes come from 2048 bins, one for every 16 bytes of size, each with
+/// locks and lists of free blocks of its own; larger ones come from the large-object heap, which
+/// all heaps share. A released block is at once the next one of its bin for the thread that
+/// released it; other threads take over what it has to spare before the bin gets more memory.
+/// Memory of the bins goes back to the system only with the heap, so a heap that lives as long as a
+/// task is a good way to hold a task's memory together.
 ///
 /// Every block is 16-byte aligned and follows 4 bytes that hold its size. They are not for callers:
 /// a released block's are overwritten, a block of 4 GiB or more keeps the low 32 bits only, and
@@ -39,8 +23,8 @@ struct BinLockState
 ///
 /// Blocks may be allocated, resized and released by any thread, also by another than the one that
 /// allocated them, but only through the heap they came from. A child made by fork() can use every
-/// heap. Locks: a bin's, then the heap's lock for virtual memory; none while large blocks are
-/// handled. Derive from it only to replace virtualAlloc.
+/// heap. Locks: a bin's, or the heap's for virtual memory; none while large blocks are handled.
+/// Derive from it only to replace virtualAlloc.
 class OS_API MTHeap : public Heap
 {
 public:
@@ -109,24 +93,21 @@ public:
 
 private:
     class [[gnu::visibility("hidden")]] Memory;
-    class BinGuard;
-
-    struct alignas(32) Bin
-    {
-        detail::BinLockState lock;
-        std::byte* freeList = nullptr; // the header of the first free block
-    };
 
     void getMoreVmem();
     std::byte* getAlignedChunk();
-    void getMoreMemoryForBin(std::uint32_t bin);
+    std::byte* getMoreMemoryForBin(std::uint32_t bin);
 
-    void* allocLarge(std::size_t size);
+    // Out of line, so that the usual way saves no registers.
+    [[gnu::noinline]] void* allocBinned(std::size_t size);
+    [[gnu::noinline]] void* allocLarge(std::size_t size);
+    [[gnu::noinline]] void deAllocLarge(void* block);
+    [[gnu::noinline]] void deAllocMisaligned(void* block);
+    void release(void* block);
     void* resizeBinned(void* block, std::uint32_t oldSize, std::size_t newSize);
     void* resizeLarge(void* block, std::size_t newSize);
 
     std::unique_ptr<Memory> memory_;
-    Bin bins_[kBinCount];
 };
 
 } // namespace Tq

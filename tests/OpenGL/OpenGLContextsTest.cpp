@@ -8,6 +8,9 @@
 #include "OS/Mac/OpenGL/Contexts/OpenGLSharedContext.h"
 #include "OS/Mac/OpenGL/Contexts/OpenGLUtils.h"
 
+#include <OS.h>
+#include <OS/System/iSystemInfo.h>
+
 #include <QGLWidget>
 #include <QOpenGLContext>
 #include <atomic>
@@ -36,6 +39,7 @@ TEST(OpenGLUtils, KnowsWhatTheDriverCanDo)
     EXPECT_EQ(OpenGLUtils::getMaxTextureSize().x, OpenGLUtils::getMaxTextureSize().y);
     EXPECT_GE(OpenGLUtils::getNumTextureUnits(), 2u);
     EXPECT_FALSE(OpenGLUtils::getVendor().empty());
+    EXPECT_FALSE(OS()->systemInfo()->getGraphicsDriverVendor().empty());
     EXPECT_TRUE(OpenGLUtils::isAvailable());
     EXPECT_FALSE(OpenGLContextProtector::hasContext()) << "the shared context was released";
 }

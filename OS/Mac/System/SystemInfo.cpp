@@ -2,6 +2,7 @@
 
 #include "OS/Mac/Core/Assertion.h"
 #include "OS/Mac/Core/QtText.h"
+#include "OS/Mac/OpenGL/Contexts/OpenGLUtils.h"
 #include "OS/Mac/System/MemoryStatistics.h"
 #include "OS/Mac/System/OsRelease.h"
 
@@ -97,7 +98,7 @@ LightweightString<wchar_t> SystemInfo::getOSVersion()
 
 LightweightString<wchar_t> SystemInfo::getGraphicsDriverVendor()
 {
-    return {};
+    return OS()->utils()->fromUTF8(OpenGLUtils::getVendor().c_str(), -1);
 }
 
 LightweightString<char> SystemInfo::getVariable(const LightweightString<char>&,

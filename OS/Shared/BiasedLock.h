@@ -7,7 +7,7 @@
 
 namespace Tq {
 
-/// The lock of a heap's bin. Taking it costs the thread that uses a bin alone no locked
+/// The lock of a heap's list of blocks. Taking it costs a thread that uses it alone no locked
 /// instruction, which is most of what a pair of allocation and release costs otherwise.
 ///
 /// The first thread that takes the lock owns it by bias: it marks itself inside by a plain store

@@ -4,7 +4,7 @@
 
 namespace OSInternal {
 
-/// Moves a file, a link or a folder into the desktop's trash (freedesktop.org trash specification):
+/// Moves a file, a link or a folder into the desktop's trash (the freedesktop.org standard for it):
 /// the home trash, or that of the file system which holds it.
 ///
 /// @param path bytes as the system has them

@@ -6,7 +6,7 @@
 #include <string_view>
 
 /// Where the user's folders, and the application's own, lie: the environment, the user-dirs.dirs
-/// file and the base directories of the XDG specifications. Bytes throughout, so that any home
+/// file and the base directories of the XDG standards. Bytes throughout, so that any home
 /// serves, with or without the toolkit's application.
 namespace FolderLocations {
 

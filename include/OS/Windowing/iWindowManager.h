@@ -52,9 +52,15 @@ public:
     virtual void setMouseCursor(Tq::Ptr<iMouseCursor> cursor) = 0;
     virtual void showMouseCursor(bool shown) = 0;
     virtual Tq::Ptr<iStatusWindow> createStatusWindow() = 0;
-    /// @return null where there are no video windows
+    /// A window for video in the root window made last, visible at once.
+    /// @param position of its top left corner in the root window @param size logical pixels
+    /// @return null where no root window is realised, OpenGL is not to be had, or after shutdown()
     virtual Tq::Ptr<iVideoWindow> createVideoWindow(const XY<int>& position,
                                                     const XY<int>& size) = 0;
+    /// A window for video that covers the monitor that holds the middle of the root window, else
+    /// the first one: see iVideoWindow::setMonitor. Its keys and mouse events go to the root
+    /// window, where there is one.
+    /// @return null where there is no monitor, OpenGL is not to be had, or after shutdown()
     virtual Tq::Ptr<iVideoWindow> createVideoWindowFullscreen() = 0;
 
     /// Adds the names of the installed typefaces.
@@ -75,9 +81,10 @@ public:
     /// Runs the event loop until a handler quits, in any of its operations, from realize on: every
     /// top-level window is closed then. @return its exit code, 0 when a handler quit
     virtual int startEventLoop() = 0;
-    /// Releases what must go before the Qt application does, the root window and the cursor among
-    /// it: call it after the loop. Nothing of the library's windows may be used afterwards. A
-    /// second call does nothing.
+    /// Releases what must go before the Qt application does: closes the video windows, then the
+    /// root window and the cursor, the pool of GL widgets, and everything of OpenGL, the updater's
+    /// thread included. Call it after the loop. Nothing of the library's windows or of OpenGL may
+    /// be used afterwards. A second call does nothing.
     virtual void shutdown() = 0;
 
     virtual void init() = 0;      ///< does nothing

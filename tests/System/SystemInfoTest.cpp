@@ -1,3 +1,5 @@
+#include "support/OutputCapture.h"
+
 #include "OS/Mac/System/MemoryStatistics.h"
 #include "OS/Mac/System/OsRelease.h"
 
@@ -53,6 +55,20 @@ TEST(SystemInfo, ThisMachineIsPlausible)
     std::vector<iSystemInfo::MonitorInfo> monitors;
     system->getMonitorInfo(monitors);
     EXPECT_TRUE(monitors.empty()) << "no application object yet";
+}
+
+TEST(SystemInfo, SaysSoWhereThereIsNoOpenGL)
+{
+    EXPECT_TRUE(OS()->systemInfo()->getGraphicsDriverVendor().empty()) << "GL was not started";
+    std::vector<iSystemInfo::GraphicsFact> facts;
+    OutputCapture output;
+    OS()->systemInfo()->getGraphicsReport(facts);
+    EXPECT_EQ(output.text(), "OpenGLUtils::instance() : no display\n");
+    ASSERT_EQ(facts.size(), 2u);
+    EXPECT_EQ(facts[0].name_, "Context");
+    EXPECT_EQ(facts[0].value_, L"none");
+    EXPECT_EQ(facts[1].name_, "Device ratio");
+    EXPECT_TRUE(facts[1].value_.startsWith(L"1 on "));
 }
 
 TEST(SystemInfo, ReadsTheReleaseFileAsAShellWould)

@@ -110,10 +110,10 @@ TEST(Slots, CoreServices)
                  slotOf(&U::outputDebug), slotOf(&U::getLastError),
                  slotOf(&U::getSystemErrorString), slotOf(&U::getStacktrace)});
     using S = iSystemInfo;
-    expectOrder("iSystemInfo",
-                {slotOf(&S::getNumberOfProcessors), slotOf(&S::getMonitorInfo),
-                 slotOf(&S::getMemoryInfo), slotOf(&S::getComputerName), slotOf(&S::getOSVersion),
-                 slotOf(&S::getGraphicsDriverVendor), slotOf(&S::getVariable)});
+    expectOrder("iSystemInfo", {slotOf(&S::getNumberOfProcessors), slotOf(&S::getMonitorInfo),
+                                slotOf(&S::getMemoryInfo), slotOf(&S::getComputerName),
+                                slotOf(&S::getOSVersion), slotOf(&S::getGraphicsDriverVendor),
+                                slotOf(&S::getVariable), slotOf(&S::getGraphicsReport)});
 }
 
 TEST(Slots, Files)

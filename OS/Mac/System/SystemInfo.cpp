@@ -3,6 +3,7 @@
 #include "OS/Mac/Core/Assertion.h"
 #include "OS/Mac/Core/QtText.h"
 #include "OS/Mac/OpenGL/Contexts/OpenGLUtils.h"
+#include "OS/Mac/System/GraphicsReport.h"
 #include "OS/Mac/System/MemoryStatistics.h"
 #include "OS/Mac/System/OsRelease.h"
 
@@ -106,4 +107,20 @@ LightweightString<char> SystemInfo::getVariable(const LightweightString<char>&,
                                                 LightweightString<char>)
 {
     return {};
+}
+
+void SystemInfo::getGraphicsReport(std::vector<GraphicsFact>& facts)
+{
+    OpenGLUtils::instance();
+    if (!OpenGLUtils::isInitialised())
+        facts.push_back({"Context", L"none"});
+    else
+        reportDriver(facts);
+    std::vector<MonitorInfo> monitors;
+    getMonitorInfo(monitors);
+    for (const MonitorInfo& monitor : monitors) {
+        char ratio[32];
+        std::snprintf(ratio, sizeof ratio, "%g on ", monitor.scale_);
+        facts.push_back({"Device ratio", OS()->utils()->fromUTF8(ratio, -1) + monitor.name_});
+    }
 }

@@ -2,7 +2,8 @@
 
 #include <OS/System/iSystemInfo.h>
 
-/// iSystemInfo on sysconf, the kernel's text files, os-release and the toolkit's screens. No state.
+/// iSystemInfo on sysconf, the kernel's text files, os-release and the toolkit's screens and GL. No
+/// state.
 class SystemInfo final : public iSystemInfo
 {
 public:
@@ -15,4 +16,5 @@ public:
     LightweightString<char> getVariable(const LightweightString<char>& section,
                                         const LightweightString<char>& name,
                                         LightweightString<char> fallback) override;
+    void getGraphicsReport(std::vector<GraphicsFact>& facts) override;
 };

@@ -9,8 +9,8 @@
 
 /// What machine this is, reached as OS()->systemInfo().
 ///
-/// May be called from any thread, except getMonitorInfo, which belongs to the thread of the event
-/// loop.
+/// May be called from any thread, except getMonitorInfo and getGraphicsReport, which belong to the
+/// thread of the event loop.
 class OS_API iSystemInfo : public iObject
 {
 public:
@@ -40,6 +40,13 @@ public:
         std::uint64_t processVirtual_ = 0;
     };
 
+    /// One thing that is known of the graphics: a name for people, and what it is.
+    struct GraphicsFact
+    {
+        LightweightString<char> name_; ///< "Renderer": stays the same from version to version
+        LightweightString<wchar_t> value_;
+    };
+
     /// Configured processors, online or not.
     virtual unsigned int getNumberOfProcessors() = 0;
     /// Appends one record for each screen; nothing without an application object or a screen.
@@ -59,4 +66,10 @@ public:
     virtual LightweightString<char> getVariable(const LightweightString<char>& section,
                                                 const LightweightString<char>& name,
                                                 LightweightString<char> fallback) = 0;
+    /// Appends what the GL driver says of itself: "Context", "Vendor", "Renderer", "Version", "GLSL
+    /// version", the limits, one "Format ..." for each kind of texture, and last one "Device ratio"
+    /// for each screen. Starts GL where it has not been started, and takes the GL lock. Where GL
+    /// cannot be had, "Context" says "none", after the line that tells why, and only the device
+    /// ratios follow.
+    virtual void getGraphicsReport(std::vector<GraphicsFact>& facts) = 0;
 };

@@ -1,6 +1,6 @@
 #include "Files/WideFolder.h"
 #include "support/BackgroundThread.h"
-#include "support/ChildProcess.h"
+#include "support/FreshProcess.h"
 #include "support/HomeFolder.h"
 #include "support/OutputCapture.h"
 
@@ -326,32 +326,9 @@ TEST_F(OperationsTest, FindsLibrariesWhereTheLoaderDoes)
         EXPECT_EQ(files()->findSysLib(name), L"") << PathFunctions::TqtoOS(name).c_str();
 }
 
-// The desktop's library remembers the first home that it saw.
-class Recycling : public testing::Test
+TEST(Recycling, PutsThingsWhereTheUserFindsThem)
 {
-protected:
-    static constexpr char kFresh[] = "OS_TEST_FRESH_PROCESS";
-
-    // Runs the test once more in a process of its own. @return whether this is not that one
-    static bool runsElsewhere()
-    {
-        if (std::getenv(kFresh))
-            return false;
-        const auto* test = testing::UnitTest::GetInstance()->current_test_info();
-        const std::string filter = std::string("--gtest_filter=Recycling.") + test->name();
-        const int status = inChild([&] {
-            setenv(kFresh, "1", 1);
-            execl("/proc/self/exe", "test_files", filter.c_str(), "--gtest_repeat=1", nullptr);
-            return 1;
-        });
-        EXPECT_EQ(status, 0) << "see above";
-        return true;
-    }
-};
-
-TEST_F(Recycling, PutsThingsWhereTheUserFindsThem)
-{
-    if (runsElsewhere())
+    if (runsInFreshProcess())
         return;
     const HomeFolder home;
     const auto wide = [&](const char* name) {
@@ -374,9 +351,9 @@ TEST_F(Recycling, PutsThingsWhereTheUserFindsThem)
     EXPECT_FALSE(files()->recycleFile(L""));
 }
 
-TEST_F(Recycling, TakesTheTrashOfAnotherFileSystem)
+TEST(Recycling, TakesTheTrashOfAnotherFileSystem)
 {
-    if (runsElsewhere())
+    if (runsInFreshProcess())
         return;
     const HomeFolder home;
     fs::create_directory(home.path("disk"));

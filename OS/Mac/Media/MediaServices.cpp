@@ -2,8 +2,8 @@
 
 #include "OS/Mac/Core/PathText.h"
 #include "OS/Mac/Core/ReplacementFile.h"
-#include "OS/Mac/Media/HostPixels.h"
 #include "OS/Mac/Media/TiffWriter.h"
+#include "OS/Mac/Painting/HostPixels.h"
 #include "OS/Mac/Painting/QtFont.h"
 #include "OS/Mac/Painting/QtImage.h"
 

@@ -1,7 +1,7 @@
 #include "OS/Mac/Media/TiffWriter.h"
 
 #include "OS/Mac/Core/ReplacementFile.h"
-#include "OS/Mac/Media/HostPixels.h"
+#include "OS/Mac/Painting/HostPixels.h"
 #include "OS/Mac/Painting/TiffFile.h"
 
 #include <QImage>

@@ -1,4 +1,4 @@
-#include "OS/Mac/Media/HostPixels.h"
+#include "OS/Mac/Painting/HostPixels.h"
 
 #include "OS/Mac/Painting/QtImage.h"
 

@@ -4,8 +4,11 @@
 
 #include "OS/Mac/Application/QtApplication.h"
 #include "OS/Mac/Core/Assertion.h"
+#include "OS/Mac/OpenGL/Contexts/OpenGLContextProtector.h"
 #include "OS/Mac/OpenGL/Contexts/OpenGLRenderContext.h"
 #include "OS/Mac/OpenGL/Contexts/OpenGLSharedContext.h"
+#include "OS/Mac/OpenGL/Images/FramebufferNames.h"
+#include "OS/Mac/OpenGL/Images/OpenGLImage.h"
 #include "OS/Mac/Threads/LockRank.h"
 
 #include <OS.h>
@@ -64,6 +67,8 @@ void OpenGLUtils::build()
     }
     shared.makeCurrent();
     readLimits();
+    FramebufferNames::probe();
+    createBlackTexture();
     shared.unMakeCurrent();
     initialised_.store(true, std::memory_order_release);
 }
@@ -133,5 +138,6 @@ void OpenGLUtils::shutdown()
 
 void OpenGLUtils::reset()
 {
+    releaseTextures();
     getSharedContext().shutdown();
 }

@@ -2,11 +2,14 @@
 
 #include <OS/Core/LightweightString.h>
 #include <OS/Core/Ptr.h>
+#include <OS/Effects/iShaderEffectBase.h>
+#include <OS/Painting/iHostImage.h>
 #include <OS/Primitives/XY.h>
 #include <OS/Threads/iCriticalSection.h>
 
 #include <atomic>
 
+class OpenGLImage;
 class OpenGLRenderContext;
 class OpenGLSharedContext;
 
@@ -48,6 +51,31 @@ public:
     /// 0 before OpenGLUtils is built.
     static unsigned int getNumTextureUnits() { return numTextureUnits_; }
     static XY<int> getMaxTextureSize() { return maxTextureDimensions_; }
+    /// Whether a texture may have this size: both sides at most the largest, neither 0. Sides below
+    /// 0 are not rejected, deliberately. From any thread.
+    static bool isTextureSizePossible(const XY<int>& size);
+    /// The size of a texture in texels; (0, 0) for a name that is none. Under the GL lock, which it
+    /// takes; leaves texture unit 0 selected.
+    XY<int> getTextureDimensions(unsigned int textureId);
+
+    /// 256 x 256 opaque black pixels, made again where they are missing. Takes the GL lock.
+    Tq::Ptr<OpenGLImage> getBlackTexture();
+    /// Makes them. Where that fails, logs "OpenGLUtils::createBlackTexture() failed\n".
+    void createBlackTexture();
+    /// The effect that draws text; null where there is none.
+    Tq::Ptr<iShaderEffectBase> getTextEffectsShader() const { return textEffectsShader_; }
+
+    /// Reads an image's texture back as it is stored: the answer has the physical size.
+    /// @return null for null and for an image without a texture
+    Tq::Ptr<iHostImage> copyToHost(const Tq::Ptr<OpenGLImage>& image);
+    /// Reads a texture back as blue, green, red and alpha. Components of 16 bits come as 8.
+    /// @param size the texture's; any other is refused, with "OpenGLUtils::copyToHost() : the
+    /// texture has another size\n"
+    /// @param glType of the components
+    /// @return null where it is refused or there is no memory
+    Tq::Ptr<iHostImage> copyToHost(unsigned int textureId, const XY<int>& size,
+                                   unsigned int glType);
+
     /// What the driver says of itself; empty before OpenGLUtils is built. From any thread.
     static LightweightString<char> getVendor();
 
@@ -64,7 +92,10 @@ private:
     void build();
     void readLimits();
     void reset();
+    void releaseTextures();
 
+    Tq::Ptr<OpenGLImage> blackTexture_;
+    Tq::Ptr<iShaderEffectBase> textEffectsShader_;
     Tq::Ptr<iCriticalSection> threadSafety_;
     Tq::Ptr<iCriticalSection> cacheSafety_;
 

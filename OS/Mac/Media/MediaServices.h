@@ -2,7 +2,8 @@
 
 #include <OS/Media/iMediaServices.h>
 
-/// iMediaServices: still pictures through QtImage, the toolkit's writers and TiffWriter.
+/// iMediaServices: still pictures through QtImage, the toolkit's writers and TiffWriter; images on
+/// the GPU through OpenGLImage.
 class MediaServices final : public iMediaServices
 {
 public:
@@ -19,4 +20,16 @@ public:
     Tq::Ptr<iHostImage> createHostSurface(const XY<int>& size) override;
     Tq::Ptr<iFont> createHostSurfaceFont(const LightweightString<wchar_t>& name, unsigned int size,
                                          unsigned int flags) override;
+
+    Tq::Ptr<iGPUImage> createGPUSurface(const XY<int>& size, iGPUImage::eFormat format) override;
+    Tq::Ptr<iHostImage> createGPUReadySurface(const XY<int>& size,
+                                              iGPUImage::eFormat format) override;
+    Tq::Ptr<iHostImage> copyToHost(const Tq::Ptr<iGPUImage>& image) override;
+    Tq::Ptr<iGPUImage> copyToGPU(const Tq::Ptr<iHostImage>& image,
+                                 iGPUImage::eFormat format) override;
+    Tq::Ptr<iCriticalSection> getGPULock() override;
+    void resetGPUContext() override;
+    void clearCaches() override;
+    Tq::Ptr<iGPUImage3D> createGPUImage3D(const Tq::Ptr<iHostImage3D>& image) override;
+    Tq::Ptr<iHostImage3D> copyToHost(const Tq::Ptr<iGPUImage3D>& image) override;
 };

@@ -4,14 +4,21 @@
 #include <OS/Core/Ptr.h>
 #include <OS/Core/iDLL.h>
 #include <OS/Core/iObject.h>
+#include <OS/OpenGL/iGPUImage.h>
+#include <OS/OpenGL/iGPUImage3D.h>
 #include <OS/Painting/iFont.h>
 #include <OS/Painting/iHostImage.h>
+#include <OS/Painting/iHostImage3D.h>
+#include <OS/Threads/iCriticalSection.h>
 
 #include <vector>
 
-/// Still images and surfaces, reached as OS()->mediaServices().
+/// Still images and surfaces, in main memory and on the GPU, reached as OS()->mediaServices().
 ///
-/// Loading and saving may run on any thread, each image on one thread at a time.
+/// Loading and saving may run on any thread, each image on one thread at a time. So may what is of
+/// the GPU, after its first use on the thread of the Qt application object, which starts GL (a
+/// window for video does so too). Where GL cannot be used each call prints
+/// "OpenGLUtils::instance() : %s\n" with the reason, and answers null.
 class OS_API iMediaServices : public iObject
 {
 public:
@@ -55,4 +62,36 @@ public:
     /// @param flags iFont::eStyle bits
     virtual Tq::Ptr<iFont> createHostSurfaceFont(const LightweightString<wchar_t>& name,
                                                  unsigned int size, unsigned int flags) = 0;
+
+    /// An image on the GPU, to be drawn on; its pixels are whatever was there.
+    /// @param size pixels; sides below 0 give an image without a texture, deliberately
+    /// @return null when a side is 0 or larger than the driver allows
+    virtual Tq::Ptr<iGPUImage> createGPUSurface(const XY<int>& size, iGPUImage::eFormat format) = 0;
+    /// A picture in main memory that copyToGPU in the same format uploads as it is: for decoders,
+    /// which write through its guard. Rows lie next to each other as iGPUImage::eFormat says, and
+    /// are black at first; those of 32-bit words are a plain surface, transparent black.
+    /// It can be locked, also without GL, but drawn on only where it is of 32-bit words.
+    /// @return null when a side is below 1, when the picture would exceed 512 megapixels, or is
+    /// too narrow for the format
+    virtual Tq::Ptr<iHostImage> createGPUReadySurface(const XY<int>& size,
+                                                      iGPUImage::eFormat format) = 0;
+    /// Reads an image back as it is stored, in 32-bit words: packed formats come with the width of
+    /// their texture, deliberately, and 16-bit components as 8 bits.
+    /// @return null for an image that has no texture, such as a window's back buffer
+    virtual Tq::Ptr<iHostImage> copyToHost(const Tq::Ptr<iGPUImage>& image) = 0;
+    /// Copies a picture to the GPU, premultiplied; video formats are ITU-R BT.709 in video range.
+    /// @return null for an image without pixels, and for one that is too large for the driver or
+    /// too narrow for the format
+    virtual Tq::Ptr<iGPUImage> copyToGPU(const Tq::Ptr<iHostImage>& image,
+                                         iGPUImage::eFormat format) = 0;
+    /// The lock that all work with GL happens under.
+    virtual Tq::Ptr<iCriticalSection> getGPULock() = 0;
+    /// Makes no GL context current on the calling thread; quiet without GL.
+    virtual void resetGPUContext() = 0;
+    /// Gives back the GPU's memory that is kept for later images; quiet without GL.
+    virtual void clearCaches() = 0;
+    /// Always null: cubes of colours are the effects' to make.
+    virtual Tq::Ptr<iGPUImage3D> createGPUImage3D(const Tq::Ptr<iHostImage3D>& image) = 0;
+    /// Always null.
+    virtual Tq::Ptr<iHostImage3D> copyToHost(const Tq::Ptr<iGPUImage3D>& image) = 0;
 };

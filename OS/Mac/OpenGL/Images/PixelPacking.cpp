@@ -3,6 +3,7 @@
 #include "OS/Mac/OpenGL/Images/VideoColour.h"
 
 #include <algorithm>
+#include <array>
 
 namespace {
 
@@ -135,32 +136,34 @@ void unpackThree(const void* storage, int width, int texels, Word* words)
 // -- Two pixels in a texel ------------------------------------------------------------------------
 
 // Where the bytes of a texel stand.
+template <int FirstLuma, int Cb, int SecondLuma, int Cr>
 struct PairOrder
 {
-    int firstLuma, cb, secondLuma, cr;
+    static void pack(const Word* words, int texels, std::uint8_t* out)
+    {
+        for (int i = 0; i < texels; ++i, words += 2, out += 4) {
+            const int r[] = {red(words[0]), red(words[1])};
+            const int g[] = {green(words[0]), green(words[1])};
+            const int b[] = {blue(words[0]), blue(words[1])};
+            out[FirstLuma] = VideoColour::toByte(VideoColour::fromRGB(r[0], g[0], b[0]).y);
+            out[SecondLuma] = VideoColour::toByte(VideoColour::fromRGB(r[1], g[1], b[1]).y);
+            // The differences of both together, which is twice what they share.
+            const auto both = VideoColour::fromRGB(r[0] + r[1], g[0] + g[1], b[0] + b[1]);
+            out[Cb] = VideoColour::toByte((both.cb + (128 << 16)) / 2);
+            out[Cr] = VideoColour::toByte((both.cr + (128 << 16)) / 2);
+        }
+    }
+
+    static void unpack(const std::uint8_t* in, int width, int texels, Word* words)
+    {
+        for (int i = 0; i < texels; ++i, in += 4) {
+            const int cb = in[Cb] << 8, cr = in[Cr] << 8;
+            words[2 * i] = VideoColour::toWord(in[FirstLuma] << 8, cb, cr);
+            words[2 * i + 1] = VideoColour::toWord(in[SecondLuma] << 8, cb, cr);
+        }
+        std::fill(words + 2 * texels, words + width, kBlack);
+    }
 };
-
-void packPairs(const Word* words, int texels, std::uint8_t* out, const PairOrder& order)
-{
-    for (int i = 0; i < texels; ++i, words += 2, out += 4) {
-        const auto a = VideoColour::fromRGB(red(words[0]), green(words[0]), blue(words[0]));
-        const auto b = VideoColour::fromRGB(red(words[1]), green(words[1]), blue(words[1]));
-        out[order.firstLuma] = VideoColour::toByte(a.y);
-        out[order.secondLuma] = VideoColour::toByte(b.y);
-        out[order.cb] = VideoColour::toByte((a.cb + b.cb) / 2);
-        out[order.cr] = VideoColour::toByte((a.cr + b.cr) / 2);
-    }
-}
-
-void unpackPairs(const std::uint8_t* in, int width, int texels, Word* words, const PairOrder& order)
-{
-    for (int i = 0; i < texels; ++i, in += 4) {
-        const int cb = in[order.cb] << 8, cr = in[order.cr] << 8;
-        words[2 * i] = VideoColour::toWord(in[order.firstLuma] << 8, cb, cr);
-        words[2 * i + 1] = VideoColour::toWord(in[order.secondLuma] << 8, cb, cr);
-    }
-    std::fill(words + 2 * texels, words + width, kBlack);
-}
 
 // -- One texel a pixel ----------------------------------------------------------------------------
 
@@ -173,16 +176,26 @@ constexpr Word eightBits(Word ten)
     return ((ten & 1023) * 255 + 511) / 1023;
 }
 
+// 85 over each alpha, with sixteen bits behind the point: 85 is what one of two bits stands for.
+constexpr std::array<int, 256> makeShares()
+{
+    std::array<int, 256> shares{};
+    for (int a = 1; a < 256; ++a)
+        shares[static_cast<std::size_t>(a)] = (85 << 16) / a;
+    return shares;
+}
+constexpr std::array<int, 256> kShares = makeShares();
+
 // Two bits of alpha are coarse: the colours follow it, so that none is brighter than it allows.
 Word toTenBits(Word word)
 {
-    const int a = alpha(word);
-    const int coarse = (a * 3 + 127) / 255;
+    const int coarse = (alpha(word) * 3 + 127) / 255;
+    const int scale = coarse * kShares[word >> 24];
     const auto channel = [&](int c) {
-        return a == coarse * 85 ? c : std::min(c * coarse * 85 / std::max(a, 1), 255);
+        return tenBits(std::min((c * scale + 0x8000) >> 16, coarse * 85));
     };
-    return static_cast<Word>(coarse) << 30 | tenBits(channel(red(word))) << 20 |
-           tenBits(channel(green(word))) << 10 | tenBits(channel(blue(word)));
+    return static_cast<Word>(coarse) << 30 | channel(red(word)) << 20 | channel(green(word)) << 10 |
+           channel(blue(word));
 }
 
 Word fromTenBits(Word word)
@@ -230,17 +243,19 @@ void withThree(iGPUImage::eFormat format, Code code)
     }
 }
 
-constexpr PairOrder pairOrder(iGPUImage::eFormat format)
+// Runs code with the order of bytes that a 4:2:2 format has.
+template <class Code>
+void withPairs(iGPUImage::eFormat format, Code code)
 {
     switch (format) {
     case iGPUImage::eUYVY:
-        return {1, 0, 3, 2};
+        return code(PairOrder<1, 0, 3, 2>());
     case iGPUImage::eYUY2:
-        return {0, 1, 2, 3};
+        return code(PairOrder<0, 1, 2, 3>());
     case iGPUImage::eYVYU:
-        return {0, 3, 2, 1};
+        return code(PairOrder<0, 3, 2, 1>());
     default:
-        return {1, 2, 3, 0};
+        return code(PairOrder<1, 2, 3, 0>());
     }
 }
 
@@ -303,7 +318,9 @@ void PixelPacking::packRow(const std::uint32_t* words, int width, void* storage)
             packThree<decltype(pixel)>(words, width, texels, storage);
         });
     case 16:
-        return packPairs(words, texels, static_cast<std::uint8_t*>(storage), pairOrder(format_));
+        return withPairs(format_, [&](auto order) {
+            decltype(order)::pack(words, texels, static_cast<std::uint8_t*>(storage));
+        });
     case 64:
         return packShorts(words, width, static_cast<std::uint16_t*>(storage));
     default:
@@ -328,8 +345,10 @@ void PixelPacking::unpackRow(const void* storage, int width, std::uint32_t* word
             unpackThree<decltype(pixel)>(storage, width, texels, words);
         });
     case 16:
-        return unpackPairs(static_cast<const std::uint8_t*>(storage), width, texels, words,
-                           pairOrder(format_));
+        return withPairs(format_, [&](auto order) {
+            decltype(order)::unpack(static_cast<const std::uint8_t*>(storage), width, texels,
+                                    words);
+        });
     case 64:
         return unpackShorts(static_cast<const std::uint16_t*>(storage), width, words);
     default:

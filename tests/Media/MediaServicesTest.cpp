@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <functional>
 #include <limits>
 #include <unistd.h>
 
@@ -227,4 +228,26 @@ TEST(MediaServices, MakesFontsForSurfaces)
     ASSERT_TRUE(font);
     EXPECT_EQ(font->getStyle(), iFont::eBold);
     EXPECT_GT(font->measure(L"text").x, 0);
+}
+
+TEST(MediaServices, WithoutADisplayTheGPUIsRefusedWithOneLine)
+{
+    const std::string refusal = "OpenGLUtils::instance() : no display\n";
+    const Tq::Ptr<iHostImage> source = quarters();
+    const std::function<bool()> calls[] = {
+        [] {
+            return static_cast<bool>(media()->createGPUSurface({4, 4}, iGPUImage::eARGB8));
+        },
+        [&] { return static_cast<bool>(media()->copyToGPU(source, iGPUImage::eARGB8)); },
+        [] { return static_cast<bool>(media()->copyToHost(Tq::Ptr<iGPUImage>())); },
+        [] { return static_cast<bool>(media()->getGPULock()); },
+    };
+    for (const auto& call : calls)
+        EXPECT_EQ(outputOf([&] { EXPECT_FALSE(call()); }), refusal);
+    EXPECT_EQ(outputOf([] {
+                  media()->resetGPUContext();
+                  media()->clearCaches();
+                  EXPECT_TRUE(media()->createGPUReadySurface({4, 4}, iGPUImage::eUYVY));
+              }),
+              "");
 }

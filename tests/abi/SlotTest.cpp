@@ -6,6 +6,9 @@
 #include <OS/Core/iUtils.h>
 #include <OS/Files/iFileManager.h>
 #include <OS/Files/iSettings.h>
+#include <OS/Media/iMediaServices.h>
+#include <OS/OpenGL/iOpenGLContext.h>
+#include <OS/OpenGL/iOpenGLImage.h>
 #include <OS/Primitives/GraphicPrimitivesList.h>
 #include <OS/Primitives/iGraphicPrimitivesRenderer.h>
 #include <OS/Shared/iHeap.h>
@@ -209,6 +212,27 @@ TEST(Slots, DrawingKeepsOneOrderOfTheEightKinds)
                 0);
     using H = GraphicPrimitivesList::iPrimitiveDescHolder;
     expectOrder("iPrimitiveDescHolder", {slotOf(&H::process), slotOf(&H::getBounds)});
+}
+
+TEST(Slots, WhatLivesOnTheGPU)
+{
+    using I = iImage;
+    expectOrder("iGPUImage", {slotOf(&I::getSize), slotOf(&I::getLocation),
+                              slotOf(&I::getBitsPerPixel), slotOf(&I::getPrimitivesRenderer),
+                              slotOf(&I::createCompatibleImage), slotOf(&iGPUImage::getFormat)});
+    using C = iOpenGLContext;
+    expectOrder("iOpenGLContext",
+                {slotOf(&C::makeCurrent), slotOf(&C::unMakeCurrent), slotOf(&C::swapBuffers)});
+    using M = iMediaServices;
+    using Format = iGPUImage::eFormat;
+    expectOrder("iMediaServices",
+                {slotOf(&M::createGPUSurface), slotOf(&M::createGPUReadySurface),
+                 overload<M, Tq::Ptr<iHostImage>, const Tq::Ptr<iGPUImage>&>(&M::copyToHost),
+                 overload<M, Tq::Ptr<iGPUImage>, const Tq::Ptr<iHostImage>&, Format>(&M::copyToGPU),
+                 slotOf(&M::getGPULock), slotOf(&M::resetGPUContext), slotOf(&M::clearCaches),
+                 slotOf(&M::createGPUImage3D),
+                 overload<M, Tq::Ptr<iHostImage3D>, const Tq::Ptr<iGPUImage3D>&>(&M::copyToHost)},
+                slotOf(&M::createHostSurfaceFont) + 1);
 }
 
 TEST(Slots, TheEventHandlersOperations)

@@ -54,6 +54,14 @@ QImage pixelsOf(const Tq::Ptr<iHostImage>& image, QImage::Format format)
 
 } // namespace
 
+TEST(MediaServices, RefusesToGrabAScreenThatIsNotThere)
+{
+    OutputCapture output;
+    EXPECT_FALSE(media()->grabScreen({}));
+    EXPECT_EQ(output.text(),
+              "MediaServices::grabScreen() : the desktop does not let its screen be seen\n");
+}
+
 TEST(MediaServices, NamesTheSameTypesForLoadingAndSaving)
 {
     const std::pair<std::vector<LightweightString<wchar_t>>, const wchar_t*> expected[] = {

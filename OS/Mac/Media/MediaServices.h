@@ -32,4 +32,5 @@ public:
     void clearCaches() override;
     Tq::Ptr<iGPUImage3D> createGPUImage3D(const Tq::Ptr<iHostImage3D>& image) override;
     Tq::Ptr<iHostImage3D> copyToHost(const Tq::Ptr<iGPUImage3D>& image) override;
+    Tq::Ptr<iHostImage> grabScreen(XY<int> size) override;
 };

@@ -94,4 +94,10 @@ public:
     virtual Tq::Ptr<iGPUImage3D> createGPUImage3D(const Tq::Ptr<iHostImage3D>& image) = 0;
     /// Always null.
     virtual Tq::Ptr<iHostImage3D> copyToHost(const Tq::Ptr<iGPUImage3D>& image) = 0;
+
+    /// A picture of the whole main display as it is now, in the display's own pixels: it can be
+    /// locked but not drawn on. The argument is not used. On the thread of the event loop.
+    /// @return null, after "MediaServices::grabScreen() : %s\n" with the reason, where the desktop
+    /// does not allow it
+    virtual Tq::Ptr<iHostImage> grabScreen(XY<int> size) = 0;
 };

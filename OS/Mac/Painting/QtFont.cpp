@@ -82,6 +82,20 @@ QtFont::QtFont(const LightweightString<wchar_t>& name, unsigned int size, unsign
 {
 }
 
+QtFont::QtFont(const QFont& font, std::uint32_t style) : font_(font), metrics_(font_), style_(style)
+{
+}
+
+Tq::Ptr<QtFont> QtFont::copyForThread() const
+{
+    // Only a change takes a copy's data apart from the original's.
+    QFont copy(font_);
+    const bool underlined = copy.underline();
+    copy.setUnderline(!underlined);
+    copy.setUnderline(underlined);
+    return new QtFont(copy, style_);
+}
+
 std::uint32_t QtFont::getMetrics() const
 {
     const auto ascent = static_cast<std::uint32_t>(metrics_.ascent()) & 0xFFFF;

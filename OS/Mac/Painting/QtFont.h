@@ -30,6 +30,10 @@ public:
     QtFont(const LightweightString<wchar_t>& name, unsigned int size, unsigned int weight,
            unsigned int flags);
 
+    /// The same font with nothing shared, for another thread: the toolkit's font objects, copies of
+    /// one included, are not to be used by two threads at a time. From any thread.
+    Tq::Ptr<QtFont> copyForThread() const;
+
     std::uint32_t getMetrics() const override;
     std::uint32_t getStyle() const override { return style_; }
     XY<int> measure(const LightweightString<wchar_t>& text) const override;
@@ -51,6 +55,7 @@ public:
     static LightweightString<wchar_t> getDefaultFont() { return L"Tahoma"; }
 
 private:
+    QtFont(const QFont& font, std::uint32_t style);
     std::vector<int> boundaries(const LightweightString<wchar_t>& text) const;
 
     QFont font_;

@@ -3,6 +3,7 @@
 #include "OS/Mac/Application/QtApplication.h"
 #include "OS/Mac/Core/Assertion.h"
 #include "OS/Mac/OpenGL/Contexts/OpenGLUtils.h"
+#include "OS/Mac/OpenGL/Widgets/QtGLWidgetPool.h"
 #include "OS/Mac/Painting/QtFont.h"
 #include "OS/Mac/Painting/QtRegion.h"
 #include "OS/Mac/Windowing/EventPump.h"
@@ -161,4 +162,6 @@ void QtWindowManager::shutdown()
 {
     rootWindow_.reset();
     cursor_.reset();
+    QtGLWidgetPool::instance().shutdown();
+    OpenGLUtils::shutdown();
 }

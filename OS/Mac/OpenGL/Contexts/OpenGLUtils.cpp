@@ -9,6 +9,7 @@
 #include "OS/Mac/OpenGL/Contexts/OpenGLSharedContext.h"
 #include "OS/Mac/OpenGL/Images/FramebufferNames.h"
 #include "OS/Mac/OpenGL/Images/OpenGLImage.h"
+#include "OS/Mac/OpenGL/Widgets/QtGLWindowUpdater.h"
 #include "OS/Mac/Threads/LockRank.h"
 
 #include <OS.h>
@@ -70,6 +71,7 @@ void OpenGLUtils::build()
     FramebufferNames::probe();
     createBlackTexture();
     shared.unMakeCurrent();
+    QtGLWindowUpdater::instance();
     initialised_.store(true, std::memory_order_release);
 }
 
@@ -138,6 +140,7 @@ void OpenGLUtils::shutdown()
 
 void OpenGLUtils::reset()
 {
+    QtGLWindowUpdater::instance().shutdown();
     releaseTextures();
     getSharedContext().shutdown();
 }

@@ -169,6 +169,19 @@ void Canvas::picture(const Tq::Ptr<iHostImage>& image, const Rect& rect, float o
     desc.opacity_ = opacity;
 }
 
+void Canvas::stretched(const Tq::Ptr<iImageBase>& image, const Point& size, const Rect& rect,
+                       bool blend)
+{
+    if (!image)
+        return;
+    begin(Kind::eImage);
+    ImageDescription& desc = images_.emplace_back();
+    desc.image_ = image;
+    desc.sourceROI_ = {0, 0, size.x, size.y};
+    desc.destROI_ = scaled(rect);
+    desc.blend_ = blend;
+}
+
 int Canvas::text(const Text& text, int x, int baseline, const Theme::Type& type,
                  const NormalisedRGB& colour)
 {

@@ -41,6 +41,9 @@ public:
                const NormalisedRGB& colour, int width);
     /// A picture from Resources::blank() for just this size.
     void picture(const Tq::Ptr<iHostImage>& image, const Rect& rect, float opacity = 1.0f);
+    /// A whole image, made as large as a rectangle: only where GL draws. @param size its pixels
+    void stretched(const Tq::Ptr<iImageBase>& image, const Point& size, const Rect& rect,
+                   bool blend = true);
 
     /// Text whose first character begins at x. @return its width
     int text(const Text& text, int x, int baseline, const Theme::Type& type,

@@ -3,6 +3,7 @@
 #include <OS.h>
 #include <OS/Core/iUtils.h>
 
+#include <algorithm>
 #include <charconv>
 #include <string_view>
 
@@ -58,6 +59,10 @@ Text parseOption(std::string_view option, const char* value, const SizeLimits& l
         options.frameFile = wide(value);
         return options.frameFile.empty() ? Text(L"--frame needs the name of a file") : Text();
     }
+    if (option == "--grab") {
+        options.grabFile = wide(value);
+        return options.grabFile.empty() ? Text(L"--grab needs the name of a file") : Text();
+    }
     if (option == "--size")
         return parseSize(value, limits, options.size)
                    ? Text()
@@ -75,16 +80,26 @@ Text parseOption(std::string_view option, const char* value, const SizeLimits& l
 } // namespace
 
 Text parseOptions(int count, const char* const* arguments, const SizeLimits& limits,
-                  CommandOptions& options)
+                  CommandOptions& options, const std::vector<OwnOption>& ownOptions)
 {
     for (int i = 0; i < count; ++i) {
         const std::string_view argument = arguments[i];
-        if (argument == "--help" || argument == "-h") {
+        const auto own = std::find_if(ownOptions.begin(), ownOptions.end(),
+                                      [&](const OwnOption& o) { return argument == o.name; });
+        if (own != ownOptions.end()) {
+            if (own->takesValue && i + 1 >= count)
+                return wide(arguments[i]) + L" needs a value";
+            options.own[own->name] = own->takesValue ? wide(arguments[++i]) : Text();
+        } else if (argument == "--help" || argument == "-h") {
             options.help = true;
         } else if (argument == "--version") {
             options.version = true;
-        } else if (argument == "--frame" || argument == "--size" || argument == "--scale" ||
-                   argument == "--seconds") {
+        } else if (argument == "--gl-report") {
+            options.glReport = true;
+        } else if (argument == "--json") {
+            options.json = true;
+        } else if (argument == "--frame" || argument == "--grab" || argument == "--size" ||
+                   argument == "--scale" || argument == "--seconds") {
             if (i + 1 >= count)
                 return wide(arguments[i]) + L" needs a value";
             const Text wrong = parseOption(argument, arguments[++i], limits, options);
@@ -96,6 +111,8 @@ Text parseOptions(int count, const char* const* arguments, const SizeLimits& lim
             options.others.push_back(wide(arguments[i]));
         }
     }
+    if (options.json && !options.glReport)
+        return L"--json goes with --gl-report";
     return {};
 }
 

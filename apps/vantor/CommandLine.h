@@ -10,6 +10,8 @@ struct CommandLine : CommandOptions
 {
     Text folder;            ///< of pictures; empty: not said
     bool sizeGiven = false; ///< size is what was asked for, not the default
+    Text at;                ///< time code of the playhead at first; empty: not said
+    bool play = false;      ///< at once, and tell at the end what became of the frames
 };
 
 /// Reads the arguments behind the program's name.

@@ -5,9 +5,9 @@
 #include "Model/Removal.h"
 
 #include <OS.h>
-#include <OS/Core/iUtils.h>
 #include <OS/Windowing/iWindowManager.h>
 
+#include <algorithm>
 #include <cmath>
 
 namespace Vantor {
@@ -15,6 +15,7 @@ namespace Vantor {
 namespace {
 
 constexpr unsigned int kPlayTickMs = 10;
+constexpr unsigned int kFollowTickMs = 40; ///< where a video window shows the frames
 constexpr unsigned int kCaretMs = 530;
 constexpr unsigned int kSaveMs = 800; ///< without a further change before it is saved
 constexpr int kLoadsPerFrame = 4;
@@ -38,6 +39,10 @@ iMouseCursor::eStockCursor cursorFor(const EditorState& state)
         return iMouseCursor::eSizeHorizontal;
     case Area::eTimelineEdge:
         return iMouseCursor::eSizeVertical;
+    case Area::eViewer:
+        if (state.drag.kind == Drag::Kind::eShift)
+            return iMouseCursor::eSizeAll;
+        break;
     default:
         break;
     }
@@ -74,6 +79,7 @@ void Editor::attach(Tq::Ptr<iRootWindow> window)
     const XY<int> size = window_->getSize();
     if (size.x > 0 && size.y > 0)
         interaction_.resize(size);
+    viewer_ = Viewer::make(layoutOf(state_));
     changed();
 }
 
@@ -83,6 +89,9 @@ void Editor::detach()
         keepSession();
         saveSession();
     }
+    if (viewer_)
+        state_.shown = viewer_->facts();
+    viewer_.reset();
     settings_.reset();
     saveTimer_.reset();
     playTimer_.reset();
@@ -113,6 +122,12 @@ void Editor::keepSession()
     Session session = session_;
     session.place = placeOf(*window_, session_.place);
     session.zoom = state_.view.scale;
+    session.rate =
+        static_cast<int>(std::find(kFrameRates.begin(), kFrameRates.end(), state_.player.rate()) -
+                         kFrameRates.begin());
+    session.loops = state_.player.loops();
+    session.viewer = state_.choices.viewer;
+    session.viewer.shift = {};
     if (session == session_)
         return;
     session_ = session;
@@ -183,9 +198,11 @@ void Editor::keepTitle()
 
 iEventHandler::eRC Editor::changed()
 {
+    state_.player.setLength(state_.project.length);
     if (state_.quitting)
         return eQuit;
     runErrands();
+    keepViewer();
     if (window_) {
         keepSession();
         keepTitle();
@@ -201,15 +218,35 @@ void Editor::keepTimers()
     if (!state_.player.playing()) {
         playTimer_.reset();
     } else if (!playTimer_) {
-        lastTickMs_ = std::llround(OS()->utils()->timeNow());
-        shownMs_.clear();
-        state_.shownRate = 0.0;
-        playTimer_ = window_->createTimer(kPlayTickMs);
+        playTimer_ = window_->createTimer(viewer_ ? kFollowTickMs : kPlayTickMs);
     }
     if (!state_.editingText())
         caretTimer_.reset();
     else if (!caretTimer_)
         caretTimer_ = window_->createTimer(kCaretMs);
+}
+
+void Editor::keepViewer()
+{
+    if (viewer_) {
+        state_.choices.ratio = viewer_->ratio() > 0.0 ? viewer_->ratio() : 1.0;
+        viewer_->show(state_, layoutOf(state_));
+        state_.shown = viewer_->facts();
+    } else if (state_.fullScreen && window_) {
+        state_.fullScreen = false;
+        state_.message = L"the picture cannot fill the screen without OpenGL";
+    }
+}
+
+void Editor::play()
+{
+    state_.player.shuttle(1);
+    changed();
+}
+
+bool Editor::hasDrawn() const
+{
+    return !pictures_->wantsMore() && !frameRequested_ && (!viewer_ || viewer_->isSettled());
 }
 
 void Editor::keepCursor()
@@ -322,15 +359,14 @@ bool Editor::isTick(const Tq::Ptr<iTimer>& timer, const TimerEvent& event) const
     return timer && timer->getID() == event.timerID;
 }
 
-void Editor::countFrame(std::int64_t timeMs)
+void Editor::followClock()
 {
-    shownMs_.push_back(timeMs);
-    while (timeMs - shownMs_.front() > 2000)
-        shownMs_.pop_front();
-    const std::int64_t span = timeMs - shownMs_.front();
-    if (span >= 400)
-        state_.shownRate =
-            static_cast<double>(shownMs_.size() - 1) * 1000.0 / static_cast<double>(span);
+    Transport& player = state_.player;
+    const double now = player.now();
+    if (viewer_)
+        return;
+    drawn_.show(player.run(), player.ticksAt(now), now, player.playing());
+    state_.shown = {drawn_.shown(), drawn_.dropped(), drawn_.rate(), false};
 }
 
 iEventHandler::eRC Editor::handleTimer(const TimerEvent& event)
@@ -343,13 +379,10 @@ iEventHandler::eRC Editor::handleTimer(const TimerEvent& event)
     } else if (isTick(caretTimer_, event)) {
         state_.caretShown = !state_.caretShown;
     } else if (isTick(playTimer_, event) || !window_) {
-        const auto elapsed = static_cast<double>(event.time - lastTickMs_);
-        lastTickMs_ = event.time;
-        const bool moved = state_.player.advance(elapsed, state_.project.length);
-        if (!moved && state_.player.playing())
+        if (!state_.player.update())
             return eContinue;
-        state_.view.reveal(state_.player.frame, layoutOf(state_).lanes.width());
-        countFrame(event.time);
+        state_.view.reveal(state_.player.frame(), layoutOf(state_).lanes.width());
+        followClock();
     } else {
         return eContinue;
     }

@@ -1,7 +1,9 @@
 #pragma once
 
 #include "Drawing/PictureStore.h"
+#include "Model/PlayCount.h"
 #include "Model/Session.h"
+#include "Play/Viewer.h"
 #include "View/Interaction.h"
 #include "common/Icons.h"
 #include "common/Resources.h"
@@ -11,7 +13,6 @@
 #include <OS/Windowing/iRootWindow.h>
 #include <OS/Windowing/iTimer.h>
 
-#include <deque>
 #include <memory>
 
 namespace Vantor {
@@ -26,6 +27,10 @@ public:
     explicit Editor(EditorState state);
 
     const EditorState& state() const { return state_; }
+    /// Begins to play.
+    void play();
+    /// Whether what is to be seen is on the screen, as far as the editor can know.
+    bool hasDrawn() const;
 
     /// Draws in this window from now on, until detach(). The window keeps the editor, so that the
     /// two hold each other in between.
@@ -54,12 +59,13 @@ private:
     /// What every change of the state is followed by. @return whether the program goes on
     eRC changed();
     void keepTimers();
+    void keepViewer();
     void keepCursor();
     void keepTitle();
     void keepSession();
     void saveSession();
     void runErrands();
-    void countFrame(std::int64_t timeMs);
+    void followClock();
     std::vector<int> boundaries(Focus field, const Text& text);
     bool isTick(const Tq::Ptr<iTimer>& timer, const TimerEvent& event) const;
     void useTarget(std::unique_ptr<Resources> resources);
@@ -83,8 +89,8 @@ private:
     Tq::Ptr<iTimer> caretTimer_;
     Tq::Ptr<iTimer> quitTimer_;
     Tq::Ptr<iTimer> saveTimer_;
-    std::int64_t lastTickMs_ = 0;
-    std::deque<std::int64_t> shownMs_; ///< when the frames of the last second were shown
+    PlayCount drawn_; ///< frames, where the editor draws them itself
+    std::unique_ptr<Viewer> viewer_;
 
     iMouseCursor::eStockCursor cursor_ = iMouseCursor::eArrow;
 };

@@ -2,19 +2,15 @@
 
 #include "Editor.h"
 
-#include "Drawing/Scene.h"
 #include "Model/Timecode.h"
+#include "Play/FrameMaker.h"
+#include "View/ViewerGeometry.h"
 #include "common/PictureFile.h"
+#include "common/ScreenGrab.h"
 
 #include <limits>
 
 namespace Vantor {
-
-namespace {
-
-const Point kSequenceSize{1920, 1080};
-
-} // namespace
 
 Text writeFrame(EditorState state, double scale, const Text& path)
 {
@@ -30,30 +26,37 @@ Text writeFrame(EditorState state, double scale, const Text& path)
     return savePicture(surface, path);
 }
 
+Text grabFrame(EditorState state, const Text& path)
+{
+    const Point size = state.size;
+    Tq::Ptr<Editor> editor(new Editor(std::move(state)));
+    return grabWindow(
+        size, editor, [&](const Tq::Ptr<iRootWindow>& window) { editor->attach(window); },
+        [&] { return editor->hasDrawn(); },
+        [&] {
+            editor->detach();
+            editor.reset();
+        },
+        path);
+}
+
 Text exportName(const EditorState& state)
 {
-    Text time = Timecode::full(state.player.frame);
+    Text time = Timecode::full(state.player.frame(), state.player.rate());
     time.replaceAll(L":", L";");
     return fileNameOf(state.project.title) + L" " + time;
 }
 
 Text exportFrame(const EditorState& state, const Text& folder, Text& path)
 {
-    const Rect frame{0, 0, kSequenceSize.x, kSequenceSize.y};
-    Resources resources(1.0);
-    const Tq::Ptr<iHostImage> surface = resources.blank(frame);
+    auto edit = std::make_shared<Edit>();
+    edit->project = state.project;
+    edit->bin.items = state.bin.items;
+    FrameMaker maker;
+    const Tq::Ptr<iHostImage> surface =
+        maker.draw({edit, state.player.rate(), kSequenceSize}, state.player.frame());
     if (!surface)
         return L"a picture of this size cannot be made";
-    {
-        Icons icons(resources);
-        PictureStore pictures(resources);
-        pictures.allowLoads(std::numeric_limits<int>::max());
-        Canvas canvas(resources, surface->getPrimitivesRenderer(true));
-        Layout layout;
-        layout.picture = frame;
-        Scene scene{canvas, icons, pictures, state, layout};
-        drawComposition(scene);
-    }
     return saveNewPicture(surface, folder, exportName(state), path);
 }
 

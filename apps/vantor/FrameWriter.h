@@ -10,6 +10,12 @@ namespace Vantor {
 /// @return what went wrong, in one line, or nothing
 Text writeFrame(EditorState state, double scale, const Text& path);
 
+/// Shows the editor in a window without a frame, at the top left of the screen, and writes what the
+/// screen shows of it: also what other threads and OpenGL have drawn there.
+///
+/// @return what went wrong, in one line, or nothing
+Text grabFrame(EditorState state, const Text& path);
+
 /// The name for a picture of the frame under the playhead: "Harbour 00;00;12;05".
 Text exportName(const EditorState& state);
 /// Writes the picture under the playhead, as large as the sequence, into a folder as a PNG file of

@@ -1,6 +1,8 @@
 #include "CommandLine.h"
 #include "Editor.h"
 #include "FrameWriter.h"
+#include "Model/Timecode.h"
+#include "common/GraphicsReport.h"
 
 #include <OS.h>
 #include <OS/Core/iUtils.h>
@@ -87,8 +89,10 @@ void showAlreadyRunning()
 Text fillBin(MediaBin& bin, const Text& folder)
 {
     const Text from = folder.empty() ? sampleFolder() : folder;
-    return from.empty() || addFolder(bin, from) ? Text()
-                                                : L"cannot read the folder \"" + from + L"\"";
+    if (!from.empty() && !addFolder(bin, from))
+        return L"cannot read the folder \"" + from + L"\"";
+    bin.add(testClip());
+    return {};
 }
 
 EditorState stateFor(MediaBin bin, const Text& folder, const Point& size, double zoom)
@@ -102,8 +106,31 @@ EditorState stateFor(MediaBin bin, const Text& folder, const Point& size, double
     return state;
 }
 
+void useSession(EditorState& state, const Session& session)
+{
+    state.player.setRate(kFrameRates[static_cast<std::size_t>(session.rate)]);
+    state.player.setLoop(session.loops);
+    state.choices.viewer = session.viewer;
+}
+
+void goTo(EditorState& state, const Text& time)
+{
+    if (const std::optional<int> frame = Timecode::parse(time, state.player.rate())) {
+        state.player.seek(*frame);
+        state.view.reveal(state.player.frame(), layoutOf(state).lanes.width());
+    }
+}
+
+void tellFrames(const ShownFrames& shown)
+{
+    std::printf("vantor: %llu frames presented, %llu dropped, %.1f a second, by %s\n",
+                static_cast<unsigned long long>(shown.presented),
+                static_cast<unsigned long long>(shown.dropped), shown.rate,
+                shown.byGL ? "OpenGL" : "Qt");
+}
+
 int runLoop(EditorState state, const Session& session, const Tq::Ptr<iSettings>& settings,
-            int seconds)
+            const CommandLine& line)
 {
     iWindowManager* manager = OS()->windowMgr();
     Tq::Ptr<iRootWindow> window = manager->createRootWindow();
@@ -116,12 +143,16 @@ int runLoop(EditorState state, const Session& session, const Tq::Ptr<iSettings>&
     args.eventHandler = editor;
     realizeAt(*window, args, session.place);
     editor->attach(window);
-    if (seconds > 0)
-        editor->quitAfter(seconds);
+    if (line.seconds > 0)
+        editor->quitAfter(line.seconds);
+    if (line.play)
+        editor->play();
 
     const int status = manager->startEventLoop();
     // The two hold each other; fonts and pictures go before the application does.
     editor->detach();
+    if (line.play)
+        tellFrames(editor->state().shown);
     window->setEventHandler(nullptr);
     args.eventHandler.reset();
     editor.reset();
@@ -160,7 +191,9 @@ int runWindow(const CommandLine& line)
     EditorState state = stateFor(std::move(bin), session.folder, session.place.size, session.zoom);
     if (!gone.empty())
         state.message = gone + L" cannot be read any more";
-    return runLoop(std::move(state), session, settings, line.seconds);
+    useSession(state, session);
+    goTo(state, line.at);
+    return runLoop(std::move(state), session, settings, line);
 }
 
 int runFrame(const CommandLine& line)
@@ -169,8 +202,11 @@ int runFrame(const CommandLine& line)
     const Text wrong = fillBin(bin, line.folder);
     if (!wrong.empty())
         return fail(wrong, EXIT_FAILURE);
-    const Text failure = writeFrame(stateFor(std::move(bin), line.folder, line.size, 0.0),
-                                    line.scale, line.frameFile);
+    EditorState state = stateFor(std::move(bin), line.folder, line.size, 0.0);
+    goTo(state, line.at);
+    const bool grabs = !line.grabFile.empty();
+    const Text failure = grabs ? grabFrame(std::move(state), line.grabFile)
+                               : writeFrame(std::move(state), line.scale, line.frameFile);
     return failure.empty() ? EXIT_SUCCESS : fail(failure, EXIT_FAILURE);
 }
 
@@ -185,7 +221,11 @@ int run(int count, const char* const* arguments)
         return EXIT_SUCCESS;
     }
 
-    return line.frameFile.empty() ? runWindow(line) : runFrame(line);
+    if (line.glReport) {
+        App::printGraphicsReport(line.json);
+        return EXIT_SUCCESS;
+    }
+    return line.frameFile.empty() && line.grabFile.empty() ? runWindow(line) : runFrame(line);
 }
 
 } // namespace

@@ -19,10 +19,13 @@ void expectSound(const EditorState& state, unsigned int seed, int step)
     };
     ASSERT_LT(state.selectedClip, clips) << where();
     ASSERT_LT(state.bin.selected, static_cast<int>(state.bin.items.size())) << where();
-    ASSERT_GE(state.player.frame, 0) << where();
-    ASSERT_LE(state.player.frame, std::max(project.length - 1, 0)) << where();
+    ASSERT_GE(state.player.frame(), 0) << where();
+    ASSERT_LE(state.player.frame(), std::max(project.length - 1, 0)) << where();
     ASSERT_GE(project.length, project.contentEnd()) << where();
     ASSERT_GE(state.view.origin, 0.0) << where();
+    ASSERT_EQ(state.player.length(), project.length) << where();
+    const Layout layout = layoutOf(state);
+    ASSERT_TRUE(layout.picture.intersection(layout.screen).hasArea()) << where();
     ASSERT_LE(state.titleField.caret, state.titleField.text.size()) << where();
     ASSERT_LE(state.filterField.caret, state.filterField.text.size()) << where();
     for (int i = 0; i < clips; ++i) {
@@ -57,6 +60,14 @@ void sendAny(Editor& editor, std::mt19937& random, std::int64_t& time)
                                               'j',
                                               'k',
                                               'l',
+                                              'n',
+                                              's',
+                                              't',
+                                              '1',
+                                              '2',
+                                              '5',
+                                              '[',
+                                              ']',
                                               'y',
                                               'z',
                                               '+',

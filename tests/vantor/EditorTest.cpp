@@ -18,7 +18,12 @@ protected:
         MediaBin bin;
         for (const wchar_t* name : {L"chart.tif", L"dawn.jpg", L"pier.jpg", L"quay.bmp"})
             bin.items.push_back({name, Text(L"/nowhere/") + name, L"PNG"});
-        editor_ = Tq::Ptr<Editor>(new Editor(makeEditorState(bin, Text())));
+        EditorState state = makeEditorState(bin, Text());
+        const int frame = state.player.frame();
+        state.player = Transport([this] { return clock_; });
+        state.player.setLength(state.project.length);
+        state.player.seek(frame);
+        editor_ = Tq::Ptr<Editor>(new Editor(std::move(state)));
     }
 
     const EditorState& state() const { return editor_->state(); }
@@ -78,26 +83,24 @@ protected:
     }
     void tick(int ms)
     {
-        iEventHandler::TimerEvent event;
         clock_ += ms;
-        event.time = clock_;
-        editor_->handleTimer(event);
+        editor_->handleTimer({});
     }
     static Point centre(const Rect& r) { return {(r.left + r.right) / 2, (r.top + r.bottom) / 2}; }
 
     Tq::Ptr<Editor> editor_;
     std::int64_t time_ = 10000;
-    std::int64_t clock_ = 0;
+    double clock_ = 0.0;
 };
 
 TEST_F(EditorTest, TheRulerMovesThePlayhead)
 {
     click({xOf(300), layout().ruler.top + 3});
-    EXPECT_EQ(state().player.frame, 300);
+    EXPECT_EQ(state().player.frame(), 300);
     drag({xOf(300), layout().ruler.top + 3}, {xOf(500), layout().ruler.top + 3});
-    EXPECT_EQ(state().player.frame, 500);
+    EXPECT_EQ(state().player.frame(), 500);
     drag({xOf(500), layout().ruler.top + 3}, {-4000, 900});
-    EXPECT_EQ(state().player.frame, 0) << "a drag beyond the edge stops at the start";
+    EXPECT_EQ(state().player.frame(), 0) << "a drag beyond the edge stops at the start";
 }
 
 TEST_F(EditorTest, KeysPlayStepAndShuttle)
@@ -105,25 +108,25 @@ TEST_F(EditorTest, KeysPlayStepAndShuttle)
     key(Key::eHome);
     key(Key::eRight);
     key(Key::eRight, Key::eShift);
-    EXPECT_EQ(state().player.frame, 26);
+    EXPECT_EQ(state().player.frame(), 26);
     key(Key::eLeft);
-    EXPECT_EQ(state().player.frame, 25);
+    EXPECT_EQ(state().player.frame(), 25);
     key(Key::eEnd);
-    EXPECT_EQ(state().player.frame, state().project.length - 1);
+    EXPECT_EQ(state().player.frame(), state().project.length - 1);
     key(Key::eHome);
     key('l');
     key('L'); // with Caps Lock
-    EXPECT_EQ(state().player.speed, 2);
+    EXPECT_EQ(state().player.speed(), 2);
     tick(1000);
-    EXPECT_EQ(state().player.frame, 50);
+    EXPECT_EQ(state().player.frame(), 50);
     key(Key::eSpace);
     EXPECT_FALSE(state().player.playing());
     key(Key::eSpace);
-    EXPECT_EQ(state().player.speed, 1);
+    EXPECT_EQ(state().player.speed(), 1);
     key('k');
     EXPECT_FALSE(state().player.playing());
     key(Key::eDown);
-    EXPECT_EQ(state().player.frame, 157) << "the next edge is the title's";
+    EXPECT_EQ(state().player.frame(), 157) << "the next edge is the title's";
 }
 
 TEST_F(EditorTest, TheWheelZoomsAroundThePointer)
@@ -246,7 +249,7 @@ TEST_F(EditorTest, TheFilterNarrowsTheBin)
     key(Key::eBackspace);
     EXPECT_EQ(state().bin.visible().size(), 4u);
     type(" j ");
-    EXPECT_EQ(state().player.speed, 0) << "letters in a field play nothing";
+    EXPECT_EQ(state().player.speed(), 0) << "letters in a field play nothing";
 }
 
 TEST_F(EditorTest, TabWalksThroughEveryPlaceAndBack)
@@ -264,7 +267,7 @@ TEST_F(EditorTest, TabWalksThroughEveryPlaceAndBack)
     key(Key::eTab, Key::eShift);
     EXPECT_EQ(state().focus, Focus::eForwards);
     key(Key::eSpace);
-    EXPECT_EQ(state().player.speed, 1);
+    EXPECT_EQ(state().player.speed(), 1);
     click({700, 200});
     EXPECT_FALSE(state().focusShown);
 }
@@ -322,6 +325,108 @@ TEST_F(EditorTest, PanelEdgesAreDragged)
     const int widest = layout().bin.width();
     drag({layout().binEdge.left + 3, 200}, {layout().binEdge.left - 7, 200});
     EXPECT_EQ(layout().bin.width(), widest - 10) << "dragging back answers at once";
+}
+
+TEST_F(EditorTest, KeysChangeTheViewer)
+{
+    const ViewerChoices& viewer = state().choices.viewer;
+    const auto zoom = [&] { return static_cast<int>(viewer.zoom); };
+    key('2');
+    EXPECT_EQ(zoom(), static_cast<int>(ViewerZoom::eDouble));
+    key('5');
+    EXPECT_EQ(zoom(), static_cast<int>(ViewerZoom::eHalf));
+    key('F');
+    EXPECT_EQ(zoom(), static_cast<int>(ViewerZoom::eFit));
+    key('s');
+    key('t');
+    key('n');
+    EXPECT_FALSE(viewer.safeAreas);
+    EXPECT_TRUE(viewer.timeCode);
+    EXPECT_TRUE(viewer.frameNumber);
+    key('l', Key::eControl);
+    EXPECT_TRUE(state().player.loops());
+    EXPECT_EQ(state().player.speed(), 0) << "with Control the letter plays nothing";
+    for (int i = 0; i < 9; ++i)
+        key(']');
+    EXPECT_EQ(state().player.rate(), kFrameRates.back());
+    key('[');
+    EXPECT_EQ(state().player.rate(), (FrameRate{50, 1}));
+    EXPECT_EQ(state().changes(), 0) << "a look is no change of the project";
+}
+
+TEST_F(EditorTest, SwitchesOfTheViewerActOnRelease)
+{
+    const auto chip = [&](ViewerChip which) {
+        return centre(layout().chips[static_cast<std::size_t>(which)]);
+    };
+    click(chip(ViewerChip::eTimeCode));
+    EXPECT_TRUE(state().choices.viewer.timeCode);
+    drag(chip(ViewerChip::eTimeCode), chip(ViewerChip::eLoop));
+    EXPECT_TRUE(state().choices.viewer.timeCode) << "let go elsewhere";
+    EXPECT_FALSE(state().player.loops());
+    for (std::size_t i = 0; i < kFrameRates.size(); ++i)
+        click(chip(ViewerChip::eRate));
+    EXPECT_EQ(state().player.rate(), (FrameRate{25, 1})) << "round all of them";
+    for (int i = 0; i < kViewerZooms; ++i)
+        click(chip(ViewerChip::eZoom));
+    EXPECT_EQ(static_cast<int>(state().choices.viewer.zoom), 0);
+}
+
+TEST_F(EditorTest, ALargePictureIsMovedByTheHandAndZoomedByTheWheel)
+{
+    const Point middle = centre(layout().screen);
+    drag(middle, {middle.x + 50, middle.y + 20});
+    EXPECT_EQ(state().choices.viewer.shift, Point()) << "it is whole already";
+    mouse(Mouse::eWheel, middle, 0, 1);
+    mouse(Mouse::eWheel, middle, 0, 1);
+    EXPECT_EQ(static_cast<int>(state().choices.viewer.zoom), static_cast<int>(ViewerZoom::eFull));
+    drag(middle, {middle.x + 50, middle.y - 20});
+    EXPECT_EQ(state().choices.viewer.shift, Point(50, -20));
+    drag(middle, {middle.x + 5000, middle.y});
+    EXPECT_EQ(layout().picture.left, layout().screen.left) << "no further than to its edge";
+    for (int i = 0; i < 9; ++i)
+        mouse(Mouse::eWheel, middle, 0, -1);
+    EXPECT_EQ(state().choices.viewer.shift, Point());
+}
+
+TEST_F(EditorTest, TheFullScreenTakesOnlyWhatPlays)
+{
+    const std::size_t clips = state().project.clips.size();
+    key(Key::eReturn);
+    ASSERT_TRUE(state().fullScreen);
+    key(Key::eDelete);
+    key('z', Key::eControl);
+    key(Key::eTab);
+    click(centre(layout().buttons[2]));
+    EXPECT_EQ(state().project.clips.size(), clips);
+    EXPECT_FALSE(state().player.playing()) << "what lies under it cannot be clicked";
+    key(Key::eSpace);
+    EXPECT_TRUE(state().player.playing());
+    key('k');
+    EXPECT_EQ(key(Key::eEscape), iEventHandler::eContinue);
+    EXPECT_FALSE(state().fullScreen);
+    key(Key::eReturn);
+    key(Key::eReturn);
+    EXPECT_FALSE(state().fullScreen) << "Return leaves it too";
+    doubleClick(centre(layout().screen));
+    EXPECT_TRUE(state().fullScreen);
+    doubleClick(centre(layout().screen));
+    EXPECT_FALSE(state().fullScreen);
+}
+
+TEST_F(EditorTest, PlayingFollowsTheClockAndDropsRatherThanSlowsDown)
+{
+    key(Key::eHome);
+    key(Key::eSpace);
+    tick(40);
+    tick(400);
+    EXPECT_EQ(state().player.frame(), 11);
+    EXPECT_EQ(state().shown.presented, 2u);
+    EXPECT_EQ(state().shown.dropped, 9u);
+    EXPECT_FALSE(state().shown.byGL);
+    tick(1000000);
+    EXPECT_EQ(state().player.frame(), state().project.length - 1);
+    EXPECT_FALSE(state().player.playing());
 }
 
 TEST_F(EditorTest, ButtonsActOnReleaseOverThem)

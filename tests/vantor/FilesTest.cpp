@@ -215,7 +215,7 @@ TEST_F(FilesTest, AnEditorThatMayNotTouchesNoFile)
 TEST_F(FilesTest, ControlEWritesAFrameUnderANewNameEachTime)
 {
     EditorState state = makeEditorState(bin(), L"Dawn: 1/2");
-    state.player.frame = 112;
+    state.player.seek(112);
     const Tq::Ptr<Editor> editor(new Editor(state));
     const fs::path frames = home_ / "made/when/missing";
     editor->allowFiles({}, wide(frames.string() + "/"));
@@ -299,6 +299,23 @@ TEST_F(FilesTest, TheNextRunBeginsWhereTheLastOneEnded)
     fs::remove_all(pictures());
     ASSERT_EQ(run("--seconds 1").status, 0);
     EXPECT_EQ(contentsOf(settingsFile()).find("Folder="), std::string::npos);
+}
+
+TEST_F(FilesTest, WhatTheViewerShowsIsRemembered)
+{
+    fs::create_directories(settingsFile().parent_path());
+    const std::string chosen = "FrameNumber=1\nLoop=1\nRate=4\nSafeAreas=0\nTimeCode=1\n"
+                               "ViewerZoom=2\n";
+    std::ofstream(settingsFile()) << "[Editor]\n" << chosen << "\n";
+    ASSERT_EQ(run("--seconds 1").status, 0);
+    for (const char* line : {"FrameNumber=1", "Loop=1", "Rate=4", "SafeAreas=0", "TimeCode=1",
+                             "ViewerZoom=2"})
+        EXPECT_NE(contentsOf(settingsFile()).find(std::string(line) + "\n"), std::string::npos)
+            << line;
+    std::ofstream(settingsFile()) << "[Editor]\nRate=99\nViewerZoom=-3\nLoop=maybe\n\n";
+    ASSERT_EQ(run("--seconds 1 --size 1000x700").status, 0);
+    EXPECT_NE(contentsOf(settingsFile()).find("Rate=1\n"), std::string::npos);
+    EXPECT_NE(contentsOf(settingsFile()).find("ViewerZoom=0\n"), std::string::npos);
 }
 
 TEST_F(FilesTest, FramesNeitherReadNorWriteSettings)

@@ -132,6 +132,9 @@ TEST_F(FrameTest, BadArgumentsEndWithOneLine)
         {"--scale 3", 2, "--scale takes"},
         {"--seconds -1", 2, "--seconds takes"},
         {"--seconds 1s", 2, "--seconds takes"},
+        {"--at 1:99", 2, "--at takes"},
+        {"--json", 2, "--json goes with --gl-report"},
+        {"--grab", 2, "--grab needs a value"},
         {"--wrong", 2, "unknown option \"--wrong\""},
         {"one two", 2, "more than one folder: \"two\""},
         {"''", 2, "empty"},
@@ -242,7 +245,7 @@ TEST_F(FrameTest, EveryStateIsDrawnDifferently)
          [](EditorState& s) {
              s.hover = s.pressed = {Area::eButton, 2};
          }},
-        {"disabled-buttons", [](EditorState& s) { s.player.frame = 0; }},
+        {"disabled-buttons", [](EditorState& s) { s.player.seek(0); }},
         {"focus-bin", [](EditorState& s) { s.focus = Focus::eBin, s.focusShown = true; }},
         {"focus-timeline", [](EditorState& s) { s.focusShown = true; }},
         {"focus-button", [](EditorState& s) { s.focus = Focus::eStop, s.focusShown = true; }},
@@ -256,18 +259,41 @@ TEST_F(FrameTest, EveryStateIsDrawnDifferently)
         {"empty-bin", [](EditorState& s) { s.bin = {}; }},
         {"all-empty",
          [](EditorState& s) {
-             s.bin = {}, s.project = makeProject({}, Text()), s.selectedClip = -1, s.player = {};
+             s.bin = {}, s.project = makeProject({}, Text()), s.selectedClip = -1,
+             s.player.setLength(0);
          }},
         {"missing",
          [](EditorState& s) {
              for (MediaItem& item : s.bin.items)
                  item.path = L"/nowhere/" + item.name;
          }},
-        {"title-and-fade", [](EditorState& s) { s.player.frame = 200; }},
-        {"overlay", [](EditorState& s) { s.player.frame = 400; }},
+        {"title-and-fade", [](EditorState& s) { s.player.seek(200); }},
+        {"overlay", [](EditorState& s) { s.player.seek(400); }},
         {"playing",
-         [](EditorState& s) { s.player.speed = 2, s.shownRate = 24.8, s.player.dropped = 3; }},
-        {"reverse", [](EditorState& s) { s.player.speed = -1; }},
+         [](EditorState& s) {
+             s.player.shuttle(1), s.player.shuttle(1);
+             s.shown = {1234, 3, 24.8, false};
+         }},
+        {"loop", [](EditorState& s) { s.player.setLoop(true); }},
+        {"rate", [](EditorState& s) { s.player.setRate(kFrameRates[2]); }},
+        {"time-code", [](EditorState& s) { s.choices.viewer.timeCode = true; }},
+        {"frame-number", [](EditorState& s) { s.choices.viewer.frameNumber = true; }},
+        {"no-safe-areas", [](EditorState& s) { s.choices.viewer.safeAreas = false; }},
+        {"viewer-half", [](EditorState& s) { s.choices.viewer.zoom = ViewerZoom::eHalf; }},
+        {"viewer-full", [](EditorState& s) { s.choices.viewer.zoom = ViewerZoom::eFull; }},
+        {"viewer-shifted",
+         [](EditorState& s) {
+             s.choices.viewer.zoom = ViewerZoom::eDouble, s.choices.viewer.shift = {400, -300};
+         }},
+        {"hover-chip",
+         [](EditorState& s) {
+             s.hover = {Area::eChip, 4};
+         }},
+        {"test-clip",
+         [](EditorState& s) {
+             s.bin.add(testClip()), s.project.clips[3].name = L"Test clip", s.player.seek(300);
+         }},
+        {"reverse", [](EditorState& s) { s.player.shuttle(-1); }},
         {"zoomed", [](EditorState& s) { s.view.scale = 12.0, s.view.origin = 130.0; }},
         {"dragging-media",
          [](EditorState& s) {

@@ -127,7 +127,7 @@ EditorState sampleState()
 TEST(HitTest, FindsWhatIsDrawnAtAPoint)
 {
     EditorState state = sampleState();
-    state.player.frame = 400;
+    state.player.seek(400);
     const Layout l = layoutOf(state);
     const int pier = state.project.clipAt(Track::ePicture, 200);
     const Rect clip = clipRect(state, l, state.project.clips[static_cast<std::size_t>(pier)]);

@@ -1,4 +1,3 @@
-#include "Model/Player.h"
 #include "Model/Project.h"
 #include "Model/TimeView.h"
 #include "Model/Timecode.h"
@@ -8,27 +7,60 @@
 namespace Vantor {
 namespace {
 
-TEST(TimecodeTest, WritesFramesAsTime)
+constexpr FrameRate kFilm{24, 1}, kVideo{25, 1}, kTelevision{30000, 1001}, kSmooth{60, 1};
+
+TEST(TimecodeTest, WritesFramesAsTimeAndReadsItBack)
 {
     static const struct
     {
+        FrameRate rate;
         int frame;
         const wchar_t* full;
         const wchar_t* minutes;
     } kCases[] = {
-        {0, L"00:00:00:00", L"00:00"},           {24, L"00:00:00:24", L"00:00"},
-        {25, L"00:00:01:00", L"00:01"},          {187, L"00:00:07:12", L"00:07"},
-        {25 * 60, L"00:01:00:00", L"01:00"},     {25 * 3600 - 1, L"00:59:59:24", L"59:59"},
-        {25 * 3600, L"01:00:00:00", L"1:00:00"}, {25 * 3600 * 100, L"100:00:00:00", L"100:00:00"},
-        {-1, L"00:00:00:00", L"00:00"},
+        {kVideo, 0, L"00:00:00:00", L"00:00"},
+        {kVideo, 24, L"00:00:00:24", L"00:00"},
+        {kVideo, 25, L"00:00:01:00", L"00:01"},
+        {kVideo, 187, L"00:00:07:12", L"00:07"},
+        {kVideo, 25 * 60, L"00:01:00:00", L"01:00"},
+        {kVideo, 25 * 3600 - 1, L"00:59:59:24", L"59:59"},
+        {kVideo, 25 * 3600, L"01:00:00:00", L"1:00:00"},
+        {kVideo, 25 * 3600 * 100, L"100:00:00:00", L"100:00:00"},
+        {kFilm, 24, L"00:00:01:00", L"00:01"},
+        {kTelevision, 29, L"00:00:00:29", L"00:00"},
+        {kTelevision, 1800, L"00:01:00:00", L"01:00"}, // no number is dropped
+        {kTelevision, 1802, L"00:01:00:02", L"01:00"},
+        {kSmooth, 3599, L"00:00:59:59", L"00:59"},
     };
     for (const auto& c : kCases) {
-        EXPECT_EQ(Timecode::full(c.frame), c.full) << c.frame;
-        EXPECT_EQ(Timecode::minutes(c.frame), c.minutes) << c.frame;
+        EXPECT_EQ(Timecode::full(c.frame, c.rate), c.full) << c.frame;
+        EXPECT_EQ(Timecode::minutes(c.frame, c.rate), c.minutes) << c.frame;
+        EXPECT_EQ(Timecode::parse(c.full, c.rate), c.frame);
     }
-    EXPECT_EQ(Timecode::length(162), L"6 s 12 fr");
-    EXPECT_EQ(Timecode::length(775), L"31 s");
-    EXPECT_EQ(Timecode::length(12), L"12 fr");
+    EXPECT_EQ(Timecode::full(-1, kVideo), L"00:00:00:00");
+    EXPECT_EQ(Timecode::length(162, kVideo), L"6 s 12 fr");
+    EXPECT_EQ(Timecode::length(775, kVideo), L"31 s");
+    EXPECT_EQ(Timecode::length(12, kVideo), L"12 fr");
+}
+
+TEST(TimecodeTest, ReadsTheLastPartsAndRefusesTheRest)
+{
+    EXPECT_EQ(Timecode::parse(L"7", kVideo), 7);
+    EXPECT_EQ(Timecode::parse(L"300", kVideo), 300) << "frames alone may be many";
+    EXPECT_EQ(Timecode::parse(L"12:05", kVideo), 305);
+    EXPECT_EQ(Timecode::parse(L"1:12:05", kVideo), 1805);
+    for (const wchar_t* wrong :
+         {L"", L":", L"1:", L":1", L"-1", L"1 2", L"1;2", L"00:00:00:25", L"00:00:60:00",
+          L"00:60:00:00", L"1:1:1:1:1", L"9999999999", L"99999999:00:00:00", L"1.5"})
+        EXPECT_FALSE(Timecode::parse(wrong, kVideo)) << wrong;
+}
+
+TEST(FrameRateTest, NamesItselfAndCountsWholeFrames)
+{
+    EXPECT_EQ(kTelevision.text(), L"29.97");
+    EXPECT_EQ(kTelevision.nominal(), 30);
+    EXPECT_EQ(kFilm.text(), L"24");
+    EXPECT_EQ(kFilm.nominal(), 24);
 }
 
 TEST(TimeViewTest, ZoomKeepsTheFrameUnderThePointer)
@@ -67,11 +99,12 @@ TEST(TimeViewTest, RevealScrollsOnlyWhenTheFrameIsOutOfSight)
 
 TEST(TimeViewTest, RulerLabelsStandApartAtEveryScale)
 {
-    for (double scale = TimeView::kCoarsest; scale <= TimeView::kFinest; scale *= 1.1) {
-        const RulerStep step = rulerStep(scale, 96);
-        EXPECT_GE(step.labelled * scale, 96.0) << scale;
-        EXPECT_EQ(step.labelled % step.plain, 0) << scale;
-    }
+    for (const FrameRate& rate : kFrameRates)
+        for (double scale = TimeView::kCoarsest; scale <= TimeView::kFinest; scale *= 1.1) {
+            const RulerStep step = rulerStep(scale, 96, rate);
+            EXPECT_GE(step.labelled * scale, 96.0) << scale;
+            EXPECT_EQ(step.labelled % step.plain, 0) << scale << " at " << rate.perSecond();
+        }
 }
 
 /// Three clips on one track, 0-100, 100-200 and 300-400, and one elsewhere.
@@ -113,6 +146,19 @@ TEST(ProjectTest, TrimmingStopsAtNeighboursAndAtTheShortestLength)
         EXPECT_EQ(clip.length, c.length) << c.what;
         EXPECT_GE(project.length, clip.end()) << c.what;
     }
+}
+
+TEST(ProjectTest, TrimmingTheStartLeavesEachFrameWhereItIs)
+{
+    Project project = threeClips();
+    project.trimStart(2, 320);
+    EXPECT_EQ(project.clips[2].offset, 20);
+    project.trimStart(2, 290);
+    EXPECT_EQ(project.clips[2].offset, -10) << "the first frame is held before its time";
+    project.trimEnd(2, 350);
+    EXPECT_EQ(project.clips[2].offset, -10);
+    project.move(2, 600);
+    EXPECT_EQ(project.clips[2].offset, -10) << "a moved clip takes its frames along";
 }
 
 TEST(ProjectTest, AMovedClipNeverCoversAnother)
@@ -174,66 +220,14 @@ TEST(ProjectTest, EffectsRunSmoothlyThroughTheirKeys)
 
 TEST(ProjectTest, AFolderOfOtherPicturesBecomesARowOfClips)
 {
-    const Project project = makeProject({L"a.png", L"b.png"}, L"holiday");
+    const Project project = makeProject({{L"a.png"}, {L"b.png"}}, L"holiday");
     EXPECT_EQ(project.title, L"holiday");
     ASSERT_EQ(project.clips.size(), 2u);
     EXPECT_EQ(project.clips[0].end(), project.clips[1].start);
     EXPECT_TRUE(makeProject({}, Text()).clips.empty());
-}
-
-TEST(PlayerTest, ShuttleDoublesAndTurnsRound)
-{
-    static const struct
-    {
-        const char* keys;
-        int speed;
-    } kCases[] = {
-        {"l", 1},   {"ll", 2},   {"lll", 4}, {"llllll", 8}, {"j", -1},
-        {"jj", -2}, {"llj", -1}, {"jjl", 1}, {"llk", 0},    {"llkl", 1},
-    };
-    for (const auto& c : kCases) {
-        Player player;
-        for (const char* key = c.keys; *key; ++key) {
-            if (*key == 'k')
-                player.stop();
-            else
-                player.shuttle(*key == 'l' ? 1 : -1);
-        }
-        EXPECT_EQ(player.speed, c.speed) << c.keys;
-    }
-}
-
-TEST(PlayerTest, AdvanceLosesNoTimeToRounding)
-{
-    Player player;
-    player.shuttle(1);
-    for (int i = 0; i < 100; ++i)
-        player.advance(16.0, 1000);
-    EXPECT_EQ(player.frame, 40); // 1.6 s at 25 frames a second
-    EXPECT_EQ(player.dropped, 0);
-    player.advance(400.0, 1000);
-    EXPECT_EQ(player.frame, 50);
-    EXPECT_EQ(player.dropped, 9) << "one of the ten frames was shown";
-}
-
-TEST(PlayerTest, StopsAtBothEndsAndNeverRunsOut)
-{
-    Player player;
-    player.shuttle(1);
-    EXPECT_TRUE(player.advance(1e12, 100));
-    EXPECT_EQ(player.frame, 99);
-    EXPECT_FALSE(player.playing());
-    player.toggle(100);
-    EXPECT_EQ(player.frame, 0) << "play at the end begins anew";
-    player.stop();
-    player.shuttle(-1);
-    player.advance(1000, 100);
-    EXPECT_EQ(player.frame, 0);
-    EXPECT_FALSE(player.playing());
-    player.toggle(0);
-    EXPECT_FALSE(player.playing()) << "there is nothing to play";
-    player.step(5, 0);
-    EXPECT_EQ(player.frame, 0);
+    const Project moving = makeProject({{L"shot_[01-80].png", 80}, {L"Test clip", 300, true}}, L"");
+    ASSERT_EQ(moving.clips.size(), 1u) << "the test clip is only for who has nothing else";
+    EXPECT_EQ(moving.clips[0].length, 80) << "what moves is as long as it is";
 }
 
 } // namespace

@@ -11,7 +11,7 @@ namespace {
 /// In the order of the tracks.
 const Theme::Gradient kLooks[] = {Theme::kGold, Theme::kBlue, Theme::kTeal, Theme::kPurple};
 
-void drawThumbnail(Scene& scene, const Clip& clip, const Rect& rect)
+void drawClipThumbnail(Scene& scene, const Clip& clip, const Rect& rect)
 {
     const int height = rect.height() - 22;
     const Rect thumb{rect.left + 5, rect.top + 19, rect.left + 5 + height * 16 / 9,
@@ -19,13 +19,7 @@ void drawThumbnail(Scene& scene, const Clip& clip, const Rect& rect)
     if (thumb.right > rect.right - 5 || thumb.right < scene.layout.lanes.left ||
         thumb.left > scene.layout.lanes.right)
         return;
-    const Text path = scene.pathOf(clip);
-    const Tq::Ptr<iHostImage> image =
-        path.empty() ? nullptr : scene.pictures.scaled(path, thumb, PictureStore::Fit::eCover);
-    if (image)
-        scene.canvas.picture(image, thumb);
-    else if (path.empty() || scene.pictures.isMissing(path))
-        drawMissing(scene, thumb, Text());
+    drawThumbnail(scene, scene.mediaOf(clip), clip.offset, thumb, Text());
 }
 
 /// The curve of an effect: level at each key, with a handle on it.
@@ -78,7 +72,7 @@ void drawClip(Scene& scene, int index, const Clip& clip)
     canvas.wash({rect.right - 1, rect.top, rect.right, rect.bottom}, Theme::kBlack, 0.35f);
 
     if (clip.track == Track::eOverlay || clip.track == Track::ePicture)
-        drawThumbnail(scene, clip, rect);
+        drawClipThumbnail(scene, clip, rect);
     else if (clip.track == Track::eEffect)
         drawCurve(scene, clip, rect);
     // The name stays in sight while the clip begins left of the lanes.

@@ -57,10 +57,38 @@ void drawTopBar(Scene& scene)
     const int width = canvas.textRight(saved, right, baseline, Theme::kFact, Theme::kDim);
     const int left = l.title.right + 3;
     const Text facts =
-        L"sequence 1 \u00b7 1920 x 1080 \u00b7 " + decimal(Timecode::kFrameRate) + L" fps";
+        L"sequence 1 \u00b7 1920 x 1080 \u00b7 " + state.player.rate().text() + L" fps";
     canvas.text(canvas.fitted(facts, right - width - 24 - left, Theme::kFact), left, baseline,
                 Theme::kFact, Theme::kDim);
 }
+
+namespace {
+
+Text countOf(std::uint64_t count)
+{
+    return decimal(static_cast<int>(std::min<std::uint64_t>(count, 999999999)));
+}
+
+/// The rate that is really shown while playing, else the one asked for; what became of the frames;
+/// and what draws them.
+Text playFacts(const EditorState& state)
+{
+    const Transport& player = state.player;
+    Text facts;
+    if (player.playing()) {
+        facts = (player.speed() < 0 ? Text(L"reverse ") : Text(L"playing ")) +
+                decimal(std::abs(player.speed())) + L"x \u00b7 ";
+        if (state.shown.rate > 0.0) {
+            const int tenths = static_cast<int>(std::lround(state.shown.rate * 10.0));
+            facts += decimal(tenths / 10) + L"." + decimal(tenths % 10) + L" of ";
+        }
+    }
+    return facts + player.rate().text() + L" fps \u00b7 " + countOf(state.shown.presented) +
+           L" presented \u00b7 " + countOf(state.shown.dropped) + L" dropped \u00b7 " +
+           (state.shown.byGL ? L"GL" : L"Qt");
+}
+
+} // namespace
 
 void drawStatusLine(Scene& scene)
 {
@@ -69,17 +97,7 @@ void drawStatusLine(Scene& scene)
     Canvas& canvas = scene.canvas;
     canvas.fill(rect, Theme::kStatus);
 
-    // The rate in tenths: what was drawn while playing, else what the project asks for.
-    const double rate =
-        state.player.playing() && state.shownRate > 0.0 ? state.shownRate : Timecode::kFrameRate;
-    const int tenths = static_cast<int>(std::lround(rate * 10.0));
-    Text facts = decimal(tenths / 10) + L"." + decimal(tenths % 10) + L" fps \u00b7 " +
-                 decimal(state.player.dropped) + L" dropped \u00b7 ";
-    if (!state.player.playing())
-        facts += L"stopped";
-    else
-        facts += (state.player.speed < 0 ? Text(L"reverse ") : Text(L"playing ")) +
-                 decimal(std::abs(state.player.speed)) + L"x";
+    const Text facts = playFacts(state);
     const int baseline = baselineIn(rect, Theme::kFact);
     const int width = canvas.textRight(facts, rect.right - 16, baseline, Theme::kFact, Theme::kDim);
 
@@ -87,11 +105,11 @@ void drawStatusLine(Scene& scene)
     const bool selected = state.selectedClip != Project::kNone;
     if (words.empty() && selected) {
         const Clip& clip = state.project.clips[static_cast<std::size_t>(state.selectedClip)];
-        words = clip.name + L" \u00b7 in " + Timecode::full(clip.start) + L" \u00b7 " +
-                Timecode::length(clip.length);
+        words = clip.name + L" \u00b7 in " + Timecode::full(clip.start, state.player.rate()) +
+                L" \u00b7 " + Timecode::length(clip.length, state.player.rate());
     } else if (words.empty()) {
-        words = L"space plays \u00b7 J K L shuttle \u00b7 the wheel zooms \u00b7 drag clips and "
-                L"their ends";
+        words = L"space plays \u00b7 J K L shuttle \u00b7 Return fills the screen \u00b7 the wheel "
+                L"zooms \u00b7 drag clips and their ends";
     }
     const int room = rect.width() - 56 - width;
     canvas.text(canvas.fitted(words, room, Theme::kFact), rect.left + 16, baseline, Theme::kFact,
@@ -124,9 +142,8 @@ void drawFieldText(Scene& scene, Focus field, const Rect& rect, const TextField&
     canvas.endClip();
 }
 
-void drawMissing(Scene& scene, const Rect& rect, const Text& words)
+void drawMissing(Canvas& canvas, Icons& icons, const Rect& rect, const Text& words)
 {
-    Canvas& canvas = scene.canvas;
     canvas.fill(rect, Theme::rgb(0x15171C));
     canvas.frame(rect, Theme::mix(Theme::kHeader, Theme::kTick, 0.5f));
     const int x = (rect.left + rect.right) / 2;
@@ -134,11 +151,11 @@ void drawMissing(Scene& scene, const Rect& rect, const Text& words)
     if (words.empty() || rect.height() < 44) {
         const int half = std::min({8, rect.height() / 2 - 3, rect.width() / 2 - 3});
         const Rect icon{x - half, y - half, x + half, y + half};
-        canvas.picture(scene.icons.get(Icons::Shape::eMissing, icon, Theme::kDim), icon);
+        canvas.picture(icons.get(Icons::Shape::eMissing, icon, Theme::kDim), icon);
         return;
     }
     const Rect icon{x - 9, y - 17, x + 9, y + 1};
-    canvas.picture(scene.icons.get(Icons::Shape::eMissing, icon, Theme::kDim), icon);
+    canvas.picture(icons.get(Icons::Shape::eMissing, icon, Theme::kDim), icon);
     canvas.textCentred(canvas.fitted(words, rect.width() - 12, Theme::kFact), x, y + 17,
                        Theme::kFact, Theme::kDim);
 }

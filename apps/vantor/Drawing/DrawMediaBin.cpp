@@ -1,5 +1,7 @@
 #include "Drawing/Scene.h"
 
+#include "Model/Timecode.h"
+
 #include <algorithm>
 
 namespace Vantor {
@@ -44,18 +46,6 @@ void drawHeader(Scene& scene, std::size_t visible)
                   ground);
 }
 
-void drawThumb(Scene& scene, const MediaItem& item, const Rect& thumb)
-{
-    const Tq::Ptr<iHostImage> image =
-        scene.pictures.scaled(item.path, thumb, PictureStore::Fit::eCover);
-    if (image)
-        scene.canvas.picture(image, thumb);
-    else if (scene.pictures.isMissing(item.path))
-        drawMissing(scene, thumb, L"missing");
-    else
-        scene.canvas.fill(thumb, Theme::kHeader);
-}
-
 void drawTile(Scene& scene, int index, const Rect& tile)
 {
     Canvas& canvas = scene.canvas;
@@ -69,7 +59,16 @@ void drawTile(Scene& scene, int index, const Rect& tile)
         canvas.fill(Rect{tile.left - 4, tile.top - 4, tile.right + 4, tile.bottom - 2},
                     state.pressed.is(Area::eTile, index) ? Theme::pressed(Theme::kHeader)
                                                          : Theme::hovered(Theme::kHeader));
-    drawThumb(scene, item, thumb);
+    drawThumbnail(scene, &item, item.frames() / 3, thumb, L"missing");
+    if (item.frames() > 0) {
+        const Text length = Timecode::length(item.frames(), state.player.rate());
+        const int plate = canvas.width(length, Theme::kSmall) + 10;
+        const Rect tag{thumb.right - plate - 4, thumb.bottom - 19, thumb.right - 4,
+                       thumb.bottom - 4};
+        canvas.wash(tag, Theme::kBlack, 0.62f);
+        canvas.text(length, tag.left + 5, baselineIn(tag, Theme::kSmall), Theme::kSmall,
+                    Theme::kText);
+    }
     if (selected)
         canvas.frame(inset(thumb, -2), Theme::kAccent, 2);
 
@@ -113,6 +112,26 @@ void drawScrollBar(Scene& scene, int count)
 }
 
 } // namespace
+
+void drawThumbnail(Scene& scene, const MediaItem* media, int frame, const Rect& rect,
+                   const Text& missing)
+{
+    if (media && media->kind == MediaItem::Kind::eTestClip) {
+        scene.canvas.clip(rect);
+        drawTestClip(scene.canvas, rect, frame, scene.state.player.rate());
+        scene.canvas.endClip();
+        return;
+    }
+    const Text path = media ? media->fileAt(frame) : Text();
+    const Tq::Ptr<iHostImage> image =
+        path.empty() ? nullptr : scene.pictures.scaled(path, rect, PictureStore::Fit::eCover);
+    if (image)
+        scene.canvas.picture(image, rect);
+    else if (path.empty() || scene.pictures.isMissing(path))
+        drawMissing(scene.canvas, scene.icons, rect, missing);
+    else
+        scene.canvas.fill(rect, Theme::kHeader);
+}
 
 void drawMediaBin(Scene& scene)
 {

@@ -53,7 +53,7 @@ bool isLively(const EditorState& state)
 
 int playheadX(const Scene& scene)
 {
-    const double x = scene.state.view.xOf(scene.state.player.frame, scene.layout.lanes.left);
+    const double x = scene.state.view.xOf(scene.state.player.frame(), scene.layout.lanes.left);
     return static_cast<int>(std::lround(std::clamp(x, -20000.0, 60000.0)));
 }
 
@@ -65,7 +65,9 @@ Rect playheadTag(Scene& scene)
     if (!isLively(scene.state) || x < l.lanes.left - 1 || x > l.lanes.right)
         return {};
     const int width =
-        scene.canvas.width(Timecode::full(scene.state.player.frame), Theme::kRuler) + 12;
+        scene.canvas.width(Timecode::full(scene.state.player.frame(), scene.state.player.rate()),
+                           Theme::kRuler) +
+        12;
     const int left = x + 10 + width <= l.lanes.right ? x + 10 : x - 10 - width;
     return {left, l.ruler.top + 3, left + width, l.ruler.bottom - 4};
 }
@@ -102,7 +104,8 @@ void drawRuler(Scene& scene)
     const Rect ticks{l.lanes.left, l.ruler.top, l.ruler.right, l.ruler.bottom};
     canvas.clip(ticks);
 
-    const RulerStep step = rulerStep(view.scale, 96);
+    const FrameRate& rate = scene.state.player.rate();
+    const RulerStep step = rulerStep(view.scale, 96, rate);
     const int last = static_cast<int>(std::min(view.frameAt(ticks.right, ticks.left), 1e9));
     const int first = static_cast<int>(view.origin) / step.labelled * step.labelled;
     const auto xOf = [&](int frame) {
@@ -116,8 +119,8 @@ void drawRuler(Scene& scene)
     }
     const Rect tag = playheadTag(scene);
     for (int frame = first; frame <= last; frame += step.labelled) {
-        const bool whole = step.labelled % Timecode::kFrameRate == 0;
-        const Text label = whole ? Timecode::minutes(frame) : Timecode::full(frame);
+        const bool whole = step.labelled % rate.nominal() == 0;
+        const Text label = whole ? Timecode::minutes(frame, rate) : Timecode::full(frame, rate);
         const int x = xOf(frame) + 4;
         const int width = canvas.width(label, Theme::kRuler);
         // The playhead's own time stands before any label.
@@ -143,8 +146,8 @@ void drawPlayhead(Scene& scene)
     if (!tag.hasArea())
         return;
     canvas.fill(tag, Theme::kTime);
-    canvas.text(Timecode::full(state.player.frame), tag.left + 6, baselineIn(tag, Theme::kRuler),
-                Theme::kRuler, Theme::kGround);
+    canvas.text(Timecode::full(state.player.frame(), state.player.rate()), tag.left + 6,
+                baselineIn(tag, Theme::kRuler), Theme::kRuler, Theme::kGround);
 }
 
 } // namespace Vantor

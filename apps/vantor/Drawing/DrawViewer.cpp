@@ -1,7 +1,7 @@
+#include "Drawing/Overlays.h"
 #include "Drawing/Scene.h"
-
-#include "Drawing/PictureScaler.h"
 #include "Model/Timecode.h"
+#include "View/ViewerGeometry.h"
 
 #include <algorithm>
 #include <cmath>
@@ -11,68 +11,6 @@ namespace Vantor {
 
 namespace {
 
-constexpr int kProjectWidth = 1920;
-constexpr float kOverlayOpacity = 0.85f;
-
-const Clip* clipUnderPlayhead(const EditorState& state, Track track)
-{
-    const int index = state.project.clipAt(track, state.player.frame);
-    return index == Project::kNone ? nullptr
-                                   : &state.project.clips[static_cast<std::size_t>(index)];
-}
-
-/// Draws a clip's picture, whole, in the middle of a rectangle. @return whether it is there to be
-/// drawn
-bool drawClipPicture(Scene& scene, const Clip& clip, const Rect& room, float opacity)
-{
-    const Text path = scene.pathOf(clip);
-    const XY<int> size = path.empty() ? XY<int>() : scene.pictures.sizeOf(path);
-    if (path.empty() || scene.pictures.isMissing(path)) {
-        drawMissing(scene, room, clip.name + L" is missing");
-        return false;
-    }
-    if (size.x <= 0)
-        return true;
-    const Rect rect = fitInto(size, room);
-    scene.canvas.picture(scene.pictures.scaled(path, rect, PictureStore::Fit::eStretch), rect,
-                         opacity);
-    return true;
-}
-
-void drawEffect(Scene& scene, const Clip& clip)
-{
-    const float value = valueAt(clip, scene.state.player.frame - clip.start);
-    const bool warm = clip.effect == Effect::eWarm;
-    scene.canvas.wash(scene.layout.picture, warm ? Theme::rgb(0xFF9A3C) : Theme::kBlack,
-                      value * (warm ? 0.13f : 0.55f));
-}
-
-void drawTitle(Scene& scene, const Clip& clip)
-{
-    const Rect& picture = scene.layout.picture;
-    const Theme::Type type{std::max(12, picture.height() / 12), true};
-    const int middle = picture.top + picture.height() * 82 / 100;
-    const int half = type.size;
-    scene.canvas.wash({picture.left, middle - half, picture.right, middle + half}, Theme::kBlack,
-                      0.35f);
-    scene.canvas.textCentred(scene.canvas.fitted(clip.name, picture.width() * 8 / 10, type),
-                             (picture.left + picture.right) / 2,
-                             baselineIn({0, middle - half, 0, middle + half}, type), type,
-                             Theme::kWhite);
-}
-
-/// The picture, and the frame within which titles are safe.
-void drawPicture(Scene& scene)
-{
-    drawComposition(scene);
-    const Rect& picture = scene.layout.picture;
-    const int dx = picture.width() / 20;
-    const int dy = picture.height() / 20;
-    scene.canvas.washFrame(
-        {picture.left + dx, picture.top + dy, picture.right - dx, picture.bottom - dy},
-        Theme::kWhite, 0.4f);
-}
-
 void drawButton(Scene& scene, int index)
 {
     const EditorState& state = scene.state;
@@ -80,7 +18,7 @@ void drawButton(Scene& scene, int index)
     Canvas& canvas = scene.canvas;
     const bool usable = state.canUse(index);
     const bool running =
-        (index == 0 && state.player.speed < 0) || (index == 2 && state.player.speed > 0);
+        (index == 0 && state.player.speed() < 0) || (index == 2 && state.player.speed() > 0);
     const auto focus = static_cast<Focus>(static_cast<int>(Focus::eBackwards) + index);
 
     NormalisedRGB ground =
@@ -109,45 +47,118 @@ void drawButton(Scene& scene, int index)
                    icon);
 }
 
-} // namespace
-
-void drawComposition(Scene& scene)
+Text chipText(const EditorState& state, ViewerChip chip, int pictureWidth)
 {
-    const Rect& picture = scene.layout.picture;
-    const EditorState& state = scene.state;
-    scene.canvas.fill(picture, Theme::kBlack);
-    scene.canvas.clip(picture);
-    const Clip* shown = clipUnderPlayhead(state, Track::ePicture);
-    const Clip* effect = clipUnderPlayhead(state, Track::eEffect);
-    if (shown && drawClipPicture(scene, *shown, picture, 1.0f) && effect)
-        drawEffect(scene, *effect);
-    if (const Clip* clip = clipUnderPlayhead(state, Track::eOverlay)) {
-        const int width = picture.width() * 36 / 100;
-        const int height = picture.height() * 36 / 100;
-        const int right = picture.right - picture.width() * 8 / 100;
-        const int top = picture.top + picture.height() * 9 / 100;
-        drawClipPicture(scene, *clip, {right - width, top, right, top + height}, kOverlayOpacity);
+    switch (chip) {
+    case ViewerChip::eLoop:
+        return L"Loop";
+    case ViewerChip::eSafeAreas:
+        return L"Safe";
+    case ViewerChip::eTimeCode:
+        return L"TC";
+    case ViewerChip::eFrameNumber:
+        return L"No.";
+    case ViewerChip::eRate:
+        return state.player.rate().text() + L" fps";
+    case ViewerChip::eZoom: {
+        const Text percent = decimal(zoomPercent(pictureWidth, state.choices.ratio)) + L" %";
+        return state.choices.viewer.zoom == ViewerZoom::eFit ? L"Fit " + percent : percent;
     }
-    if (const Clip* clip = clipUnderPlayhead(state, Track::eTitle))
-        drawTitle(scene, *clip);
-    scene.canvas.endClip();
+    default:
+        return {};
+    }
 }
+
+bool isOn(const EditorState& state, ViewerChip chip)
+{
+    const ViewerChoices& viewer = state.choices.viewer;
+    switch (chip) {
+    case ViewerChip::eLoop:
+        return state.player.loops();
+    case ViewerChip::eSafeAreas:
+        return viewer.safeAreas;
+    case ViewerChip::eTimeCode:
+        return viewer.timeCode;
+    case ViewerChip::eFrameNumber:
+        return viewer.frameNumber;
+    case ViewerChip::eFullScreen:
+        return state.fullScreen;
+    default:
+        return false;
+    }
+}
+
+/// Four corners that point outwards.
+void drawFullScreenSign(Canvas& canvas, const Rect& chip, const NormalisedRGB& colour)
+{
+    const Point middle = centreOf(chip);
+    const Rect r{middle.x - 6, middle.y - 5, middle.x + 6, middle.y + 5};
+    for (const int y : {r.top, r.bottom - 1})
+        for (const int x : {r.left, r.right - 4})
+            canvas.fill({x, y, x + 4, y + 1}, colour);
+    for (const int x : {r.left, r.right - 1})
+        for (const int y : {r.top, r.bottom - 3})
+            canvas.fill({x, y, x + 1, y + 3}, colour);
+}
+
+void drawChip(Scene& scene, int index)
+{
+    const EditorState& state = scene.state;
+    const Rect& box = scene.layout.chips[static_cast<std::size_t>(index)];
+    Canvas& canvas = scene.canvas;
+    const auto chip = static_cast<ViewerChip>(index);
+    const bool on = isOn(state, chip);
+    NormalisedRGB ground = on ? Theme::mix(Theme::kHeader, Theme::kAccent, 0.34f) : Theme::kHeader;
+    if (state.pressed.is(Area::eChip, index))
+        ground = Theme::pressed(ground);
+    else if (state.hover.is(Area::eChip, index))
+        ground = Theme::hovered(Theme::hovered(ground));
+    canvas.fill(box, ground);
+    const bool lit = on || state.hover.is(Area::eChip, index);
+    const NormalisedRGB& colour = lit ? Theme::kText : Theme::kDim;
+    if (chip == ViewerChip::eFullScreen)
+        drawFullScreenSign(canvas, box, colour);
+    else
+        canvas.textCentred(chipText(state, chip, scene.layout.picture.width()), centreOf(box).x,
+                           baselineIn(box, Theme::kFact), Theme::kFact, colour);
+}
+
+/// What a video window draws where there is one.
+void drawScreen(Scene& scene)
+{
+    const Layout& l = scene.layout;
+    const EditorState& state = scene.state;
+    Canvas& canvas = scene.canvas;
+    canvas.clip(l.screen);
+    drawComposition({canvas, scene.icons, scene.pictures, state.project, state.bin,
+                     state.player.rate(), state.player.frame(), l.picture});
+    drawOverlays(canvas, l.picture, state.choices.viewer, state.player.frame(), state.player.rate(),
+                 [&](const Text& words, const Rect& plate, int height) {
+                     const Theme::Type type{height, false, true};
+                     canvas.textCentred(words, centreOf(plate).x, baselineIn(plate, type), type,
+                                        Theme::kWhite);
+                 });
+    canvas.endClip();
+}
+
+} // namespace
 
 void drawTransport(Scene& scene)
 {
     const Layout& l = scene.layout;
     const EditorState& state = scene.state;
+    const FrameRate& rate = state.player.rate();
     Canvas& canvas = scene.canvas;
     const int middle = (l.buttons[0].top + l.buttons[0].bottom) / 2;
     const Rect line{l.transport.left, middle - 8, l.transport.right, middle + 8};
     const int left = l.transport.left + 16;
-    const int width =
-        canvas.text(Timecode::full(state.player.frame), left, baselineIn(line, Theme::kClock),
-                    Theme::kClock, state.player.playing() ? Theme::kTime : Theme::kText);
-    if (std::abs(state.player.speed) > 1)
-        canvas.text(decimal(state.player.speed) + L"x", left + width + 10,
+    const int width = canvas.text(Timecode::full(state.player.frame(), rate), left,
+                                  baselineIn(line, Theme::kClock), Theme::kClock,
+                                  state.player.playing() ? Theme::kTime : Theme::kText);
+    if (std::abs(state.player.speed()) > 1)
+        canvas.text(decimal(state.player.speed()) + L"x", left + width + 10,
                     baselineIn(line, Theme::kClockDim), Theme::kClockDim, Theme::kTime);
-    canvas.textRight(Timecode::full(state.project.length), l.transport.right - 16,
+    canvas.textRight(Timecode::full(state.project.length, rate), l.transport.right - 16,
                      baselineIn(line, Theme::kClockDim), Theme::kClockDim, Theme::kDim);
     for (int i = 0; i < Layout::kButtons; ++i)
         drawButton(scene, i);
@@ -161,10 +172,10 @@ void drawViewer(Scene& scene)
     canvas.fill(l.viewerHeader, Theme::kHeader);
     canvas.text(L"Viewer", l.viewerHeader.left + 12, baselineIn(l.viewerHeader, Theme::kTitle),
                 Theme::kTitle, Theme::kText);
-    const int percent = static_cast<int>(std::lround(100.0 * l.picture.width() / kProjectWidth));
-    canvas.textRight(L"Fit " + decimal(percent) + L" %", l.viewerHeader.right - 12,
-                     baselineIn(l.viewerHeader, Theme::kFact), Theme::kFact, Theme::kDim);
-    drawPicture(scene);
+    for (int i = 0; i < Layout::kChips; ++i)
+        drawChip(scene, i);
+    if (!scene.state.shown.byGL)
+        drawScreen(scene);
     drawTransport(scene);
 }
 

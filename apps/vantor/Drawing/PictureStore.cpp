@@ -12,9 +12,6 @@ namespace Vantor {
 
 namespace {
 
-constexpr std::int64_t kPicturePixels = 64LL << 20; ///< of all loaded pictures, four bytes each
-constexpr std::int64_t kCopyPixels = 64LL << 20;
-
 Tq::Ptr<iHostImage> read(const Text& path)
 {
     try {
@@ -75,7 +72,7 @@ PictureStore::Picture* PictureStore::load(const Text& path)
     picture.missing = !picture.image;
     if (picture.image)
         picture.size = picture.image->getSize();
-    shrink(pictures_, kPicturePixels);
+    shrink(pictures_, limit_);
     return &picture;
 }
 
@@ -100,14 +97,46 @@ Tq::Ptr<iHostImage> PictureStore::scaled(const Text& path, const Tq::Rectangle<i
     return made;
 }
 
+Tq::Ptr<iHostImage> PictureStore::fitted(const Text& path, const Tq::Rectangle<int>& room)
+{
+    const XY<int> size = path.empty() ? XY<int>() : sizeOf(path);
+    return size.x > 0 ? scaled(path, fitInto(size, room), Fit::eStretch) : nullptr;
+}
+
+Tq::Ptr<iHostImage> PictureStore::passing(const Text& path, const Tq::Rectangle<int>& room)
+{
+    if (path == passingPath_ && room == passingRoom_)
+        return passing_;
+    if (loadsLeft_ <= 0) {
+        wantsMore_ = true;
+        return nullptr;
+    }
+    --loadsLeft_;
+    passing_.reset();
+    passingPath_ = path;
+    passingRoom_ = room;
+    const Tq::Ptr<iHostImage> image = read(path);
+    passingMissing_ = !image;
+    passingSize_ = image ? image->getSize() : XY<int>();
+    if (!image)
+        return nullptr;
+    const Tq::Rectangle<int> place = fitInto(passingSize_, room);
+    Tq::Ptr<iHostImage> made = resources_.blank(place);
+    if (scalePicture(image, {0, 0, passingSize_.x, passingSize_.y}, made))
+        passing_ = made;
+    return passing_;
+}
+
 void PictureStore::dropOldest()
 {
-    shrink(copies_, kCopyPixels);
+    shrink(copies_, limit_);
     std::erase_if(copies_, [](const auto& entry) { return !entry.second.image; });
 }
 
 XY<int> PictureStore::sizeOf(const Text& path)
 {
+    if (path == passingPath_)
+        return passingSize_;
     const auto known = pictures_.find(path);
     if (known != pictures_.end() && known->second.size.x > 0)
         return known->second.size;
@@ -117,6 +146,8 @@ XY<int> PictureStore::sizeOf(const Text& path)
 
 bool PictureStore::isMissing(const Text& path) const
 {
+    if (path == passingPath_)
+        return passingMissing_;
     const auto known = pictures_.find(path);
     return known != pictures_.end() && known->second.missing;
 }
@@ -124,6 +155,7 @@ bool PictureStore::isMissing(const Text& path) const
 void PictureStore::forgetMissing()
 {
     std::erase_if(pictures_, [](const auto& entry) { return entry.second.missing; });
+    passingPath_.clear();
 }
 
 void PictureStore::allowLoads(int count)

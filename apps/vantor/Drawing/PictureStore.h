@@ -18,7 +18,13 @@ namespace Vantor {
 class PictureStore
 {
 public:
-    explicit PictureStore(Resources& resources) : resources_(resources) {}
+    static constexpr std::int64_t kUsualPixels = 64LL << 20;
+
+    /// @param pixels of four bytes that all loaded pictures may have, and all copies likewise
+    explicit PictureStore(Resources& resources, std::int64_t pixels = kUsualPixels)
+        : resources_(resources), limit_(pixels)
+    {
+    }
 
     enum class Fit
     {
@@ -28,6 +34,10 @@ public:
 
     /// A picture for a rectangle, or null while it is not loaded or when it is missing.
     Tq::Ptr<iHostImage> scaled(const Text& path, const Tq::Rectangle<int>& rect, Fit fit);
+    /// A picture, whole, for the largest rectangle of its shape in another; null likewise.
+    Tq::Ptr<iHostImage> fitted(const Text& path, const Tq::Rectangle<int>& room);
+    /// The same for one of many that follow each other: only the last one is kept.
+    Tq::Ptr<iHostImage> passing(const Text& path, const Tq::Rectangle<int>& room);
     /// Size in pixels; (0, 0) while it is not loaded or when it is missing.
     XY<int> sizeOf(const Text& path);
     /// Whether the file is not there or cannot be read; not known before it was asked for.
@@ -60,6 +70,12 @@ private:
     void dropOldest();
 
     Resources& resources_;
+    const std::int64_t limit_;
+    Text passingPath_;
+    Tq::Rectangle<int> passingRoom_;
+    Tq::Ptr<iHostImage> passing_; ///< of passingPath_ for passingRoom_
+    XY<int> passingSize_;
+    bool passingMissing_ = false;
     std::map<Text, Picture> pictures_;
     std::map<CopyKey, Copy> copies_;
     std::uint64_t clock_ = 0;

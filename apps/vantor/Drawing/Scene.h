@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Drawing/Composition.h"
 #include "Drawing/PictureStore.h"
 #include "View/EditorState.h"
 #include "common/Canvas.h"
@@ -16,12 +17,11 @@ struct Scene
     const EditorState& state;
     const Layout layout;
 
-    /// The path of a clip's picture; empty when the bin does not hold it.
-    Text pathOf(const Clip& clip) const
+    /// What a clip shows; null when the bin does not hold it.
+    const MediaItem* mediaOf(const Clip& clip) const
     {
         const int item = state.bin.find(clip.name);
-        return item == MediaBin::kNone ? Text()
-                                       : state.bin.items[static_cast<std::size_t>(item)].path;
+        return item == MediaBin::kNone ? nullptr : &state.bin.items[static_cast<std::size_t>(item)];
     }
 };
 
@@ -31,8 +31,6 @@ void drawEditor(Scene& scene);
 void drawTopBar(Scene& scene);
 void drawMediaBin(Scene& scene);
 void drawViewer(Scene& scene);
-/// The picture under the playhead, in the layout's place for it.
-void drawComposition(Scene& scene);
 void drawTransport(Scene& scene);
 void drawTimeline(Scene& scene);
 void drawClips(Scene& scene);
@@ -44,8 +42,9 @@ void drawStatusLine(Scene& scene);
 void drawFieldText(Scene& scene, Focus field, const Rect& rect, const TextField& text,
                    const Theme::Type& type, const NormalisedRGB& colour,
                    const NormalisedRGB& ground);
-/// Stands in for a picture that is not there.
-void drawMissing(Scene& scene, const Rect& rect, const Text& words);
+/// A small picture of a thing of the bin; a null one is missing. @param frame of what moves
+void drawThumbnail(Scene& scene, const MediaItem* media, int frame, const Rect& rect,
+                   const Text& missing);
 /// Around what has the keyboard, while the keyboard moved it there.
 void drawFocusRing(Scene& scene, const Rect& rect, Focus focus);
 

@@ -83,8 +83,10 @@ void Project::trimStart(int index, int start)
     const Room room = roomAround(index);
     Clip& clip = clips[static_cast<std::size_t>(index)];
     const int end = clip.end();
+    const int before = clip.start;
     clip.start = std::clamp(start, room.from, std::max(room.from, end - kShortest));
     clip.length = end - clip.start;
+    clip.offset += clip.start - before;
 }
 
 void Project::trimEnd(int index, int end)
@@ -162,7 +164,7 @@ Project sampleProject()
     project.title = L"Harbour at Dawn";
     project.length = fromSeconds(31);
     const auto add = [&](Track track, int start, int end, const wchar_t* name) -> Clip& {
-        project.clips.push_back({track, start, end - start, name, Effect::eWarm, {}});
+        project.clips.push_back({track, start, end - start, name, Effect::eWarm, {}, 0});
         return project.clips.back();
     };
     add(Track::eTitle, fromSeconds(6, 7), fromSeconds(10, 18), L"Harbour");
@@ -179,21 +181,41 @@ Project sampleProject()
 
 } // namespace
 
-Project makeProject(const std::vector<Text>& names, const Text& title)
+Project makeProject(const std::vector<Material>& materials, const Text& title)
 {
-    const auto has = [&](const wchar_t* name) {
-        return std::find(names.begin(), names.end(), Text(name)) != names.end();
+    const auto find = [&](const wchar_t* name) {
+        return std::find_if(materials.begin(), materials.end(),
+                            [&](const Material& material) { return material.name == name; });
     };
-    if (has(L"dawn.jpg") && has(L"pier.jpg") && has(L"quay.bmp") && has(L"chart.tif"))
-        return sampleProject();
+    const auto has = [&](const wchar_t* name) { return find(name) != materials.end(); };
+    if (has(L"dawn.jpg") && has(L"pier.jpg") && has(L"quay.bmp") && has(L"chart.tif")) {
+        Project project = sampleProject();
+        if (const auto clip = find(L"Test clip"); clip != materials.end() && clip->frames > 0)
+            project.clips.push_back({Track::ePicture,
+                                     Timecode::fromSeconds(24),
+                                     std::min(clip->frames, Timecode::fromSeconds(7)),
+                                     clip->name,
+                                     Effect::eWarm,
+                                     {},
+                                     0});
+        return project;
+    }
 
     Project project;
     project.title = title.empty() ? Text(L"Untitled") : title;
-    const int eachLength = Timecode::fromSeconds(4);
-    const std::size_t count = std::min<std::size_t>(names.size(), 60);
+    const std::size_t count = std::min<std::size_t>(materials.size(), 60);
     for (std::size_t i = 0; i < count; ++i) {
-        const int start = static_cast<int>(i) * eachLength;
-        project.clips.push_back({Track::ePicture, start, eachLength, names[i], Effect::eWarm, {}});
+        const Material& material = materials[i];
+        if (material.isTest && materials.size() > 1)
+            continue;
+        const int frames = material.frames > 0 ? material.frames : Timecode::fromSeconds(4);
+        project.clips.push_back({Track::ePicture,
+                                 project.contentEnd(),
+                                 std::max(frames, Project::kShortest),
+                                 material.name,
+                                 Effect::eWarm,
+                                 {},
+                                 0});
     }
     project.length = std::max(project.contentEnd(), Timecode::fromSeconds(10));
     return project;

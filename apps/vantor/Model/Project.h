@@ -22,6 +22,8 @@ struct Keyframe
 {
     int frame = 0;      ///< from the clip's start
     float value = 0.0f; ///< 0 to 1
+
+    friend bool operator==(const Keyframe&, const Keyframe&) = default;
 };
 
 /// What an effect clip does to the picture.
@@ -40,9 +42,12 @@ struct Clip
     Text name;      ///< a picture's file name, a title's words, or an effect's name
     Effect effect = Effect::eWarm;
     std::vector<Keyframe> keys; ///< of an effect, in order of time
+    int offset = 0;             ///< frames of what moves that lie before the start; may be negative
 
     int end() const { return start + length; }
     bool holds(int frame) const { return start <= frame && frame < end(); }
+
+    friend bool operator==(const Clip&, const Clip&) = default;
 };
 
 /// Everything that is edited: plain data, copied for undo.
@@ -69,7 +74,7 @@ struct Project
 
     /// Moves a clip to where it was asked to go, or to the nearest free place of its track.
     void move(int clip, int start);
-    /// Moves a clip's first frame; its end stays.
+    /// Moves a clip's first frame; its end stays, and so does each picture of what moves.
     void trimStart(int clip, int start);
     /// Moves a clip's end; its start stays.
     void trimEnd(int clip, int end);
@@ -83,6 +88,8 @@ struct Project
     int nextEdge(int frame) const;
     int previousEdge(int frame) const;
 
+    friend bool operator==(const Project&, const Project&) = default;
+
 private:
     int nearestStart(Track track, int length, int wanted, int ignored) const;
 };
@@ -90,8 +97,16 @@ private:
 /// The value of an effect at a frame from its clip's start: smooth between the keys, level outside.
 float valueAt(const Clip& clip, int frame);
 
-/// A project for the pictures of a folder: the sample project where they are the sample's, else the
-/// pictures one after the other.
-Project makeProject(const std::vector<Text>& names, const Text& title);
+/// What a project is made of.
+struct Material
+{
+    Text name;
+    int frames = 0;      ///< 0: a picture
+    bool isTest = false; ///< used where the sample project has it, or where there is nothing else
+};
+
+/// A project for the contents of a bin: the sample project where they are the sample's, else one
+/// after the other.
+Project makeProject(const std::vector<Material>& materials, const Text& title);
 
 } // namespace Vantor

@@ -36,7 +36,11 @@ Text removeItem(MediaBin& bin, int index, const std::vector<Text>& sampleFolders
         return {};
     const MediaItem item = bin.items[static_cast<std::size_t>(index)];
     Text message;
-    if (liesIn(item.path, sampleFolders))
+    if (item.kind != MediaItem::Kind::ePicture)
+        message = item.name + (item.kind == MediaItem::Kind::eSequence
+                                   ? L" taken out of the bin; its files stay"
+                                   : L" taken out of the bin");
+    else if (liesIn(item.path, sampleFolders))
         message = item.name + L" taken out of the bin; sample media are not trashed";
     else if (!OS()->fileMgr()->fileExists(item.path))
         message = item.name + L" taken out of the bin; its file was gone";

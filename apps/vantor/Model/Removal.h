@@ -7,7 +7,8 @@
 namespace Vantor {
 
 /// Takes an item out of the bin and its file to the desktop's trash. A file of the sample media
-/// stays where it is; one that cannot be trashed stays in the bin, too.
+/// stays where it is, and so do those of a sequence; one that cannot be trashed stays in the bin,
+/// too.
 ///
 /// @param sampleFolders whose files belong to the product
 /// @return what has happened, for the status line

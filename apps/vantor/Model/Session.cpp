@@ -19,6 +19,13 @@ Session readSession(const Tq::Ptr<iSettings>& settings)
     const StoredValues values(settings, kSection);
     session.folder = values.text("Folder", Text());
     session.zoom = values.number("Zoom", 0.0, TimeView::kCoarsest, TimeView::kFinest);
+    session.rate = values.integer("Rate", kUsualRate, 0, static_cast<int>(kFrameRates.size()) - 1);
+    session.loops = values.flag("Loop", false);
+    ViewerChoices& viewer = session.viewer;
+    viewer.zoom = static_cast<ViewerZoom>(values.integer("ViewerZoom", 0, 0, kViewerZooms - 1));
+    viewer.safeAreas = values.flag("SafeAreas", viewer.safeAreas);
+    viewer.timeCode = values.flag("TimeCode", viewer.timeCode);
+    viewer.frameNumber = values.flag("FrameNumber", viewer.frameNumber);
     return session;
 }
 
@@ -32,6 +39,12 @@ void writeSession(const Tq::Ptr<iSettings>& settings, const Session& session)
         values.setText("Folder", session.folder);
     if (session.zoom > 0.0)
         values.setNumber("Zoom", session.zoom);
+    values.setInteger("Rate", session.rate);
+    values.setFlag("Loop", session.loops);
+    values.setInteger("ViewerZoom", static_cast<int>(session.viewer.zoom));
+    values.setFlag("SafeAreas", session.viewer.safeAreas);
+    values.setFlag("TimeCode", session.viewer.timeCode);
+    values.setFlag("FrameNumber", session.viewer.frameNumber);
 }
 
 } // namespace Vantor

@@ -1,6 +1,8 @@
 #pragma once
 
+#include "Model/FrameRate.h"
 #include "Model/Text.h"
+#include "Model/ViewerChoices.h"
 #include "common/WindowPlace.h"
 
 #include <OS/Core/Ptr.h>
@@ -13,8 +15,11 @@ namespace Vantor {
 struct Session
 {
     WindowPlace place{{1280, 720}, {80, 60}};
-    Text folder;       ///< of pictures, from the root; empty: the sample media
-    double zoom = 0.0; ///< pixels of the timeline for a frame; 0: by the window's size
+    Text folder;           ///< of pictures, from the root; empty: the sample media
+    double zoom = 0.0;     ///< pixels of the timeline for a frame; 0: by the window's size
+    int rate = kUsualRate; ///< which of kFrameRates
+    bool loops = false;
+    ViewerChoices viewer; ///< without the place of the picture
 
     friend bool operator==(const Session&, const Session&) = default;
 };

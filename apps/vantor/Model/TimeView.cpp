@@ -1,7 +1,5 @@
 #include "Model/TimeView.h"
 
-#include "Model/Timecode.h"
-
 #include <algorithm>
 
 namespace Vantor {
@@ -27,25 +25,25 @@ void TimeView::reveal(int frame, int width)
         origin = std::max(frame - shown * 0.1, 0.0);
 }
 
-RulerStep rulerStep(double scale, int minimumPixels)
+RulerStep rulerStep(double scale, int minimumPixels, const FrameRate& rate)
 {
-    constexpr int kSecond = Timecode::kFrameRate;
-    static constexpr RulerStep kSteps[] = {
+    const int second = rate.nominal();
+    const RulerStep steps[] = {
         {5, 1},
-        {kSecond, 5},
-        {5 * kSecond, kSecond},
-        {10 * kSecond, 2 * kSecond},
-        {30 * kSecond, 5 * kSecond},
-        {60 * kSecond, 10 * kSecond},
-        {300 * kSecond, 60 * kSecond},
-        {600 * kSecond, 120 * kSecond},
-        {1800 * kSecond, 300 * kSecond},
-        {3600 * kSecond, 600 * kSecond},
+        {second, second % 5 == 0 ? 5 : 6},
+        {5 * second, second},
+        {10 * second, 2 * second},
+        {30 * second, 5 * second},
+        {60 * second, 10 * second},
+        {300 * second, 60 * second},
+        {600 * second, 120 * second},
+        {1800 * second, 300 * second},
+        {3600 * second, 600 * second},
     };
-    for (const RulerStep& step : kSteps)
+    for (const RulerStep& step : steps)
         if (step.labelled * scale >= minimumPixels)
             return step;
-    return {36000 * kSecond, 3600 * kSecond};
+    return {36000 * second, 3600 * second};
 }
 
 } // namespace Vantor

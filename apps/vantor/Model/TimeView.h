@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Model/FrameRate.h"
+
 namespace Vantor {
 
 /// Which stretch of time the timeline shows: plain data.
@@ -29,6 +31,6 @@ struct RulerStep
     int labelled;
     int plain;
 };
-RulerStep rulerStep(double scale, int minimumPixels);
+RulerStep rulerStep(double scale, int minimumPixels, const FrameRate& rate);
 
 } // namespace Vantor

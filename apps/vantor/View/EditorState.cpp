@@ -45,7 +45,7 @@ Hit hitClip(const EditorState& state, const Layout& layout, int index, const Poi
 
 Hit hitTimeline(const EditorState& state, const Layout& layout, const Point& p)
 {
-    const double playhead = state.view.xOf(state.player.frame, layout.lanes.left);
+    const double playhead = state.view.xOf(state.player.frame(), layout.lanes.left);
     if (p.x >= layout.lanes.left && layout.ruler.contains(p))
         return std::abs(p.x - playhead) <= 7 ? Hit{Area::ePlayhead, 0} : Hit{Area::eRuler, 0};
     for (std::size_t t = 0; t < Layout::kTracks; ++t) {
@@ -68,8 +68,8 @@ Hit hitTimeline(const EditorState& state, const Layout& layout, const Point& p)
 
 bool EditorState::canUse(int button) const
 {
-    const bool atStart = player.frame <= 0;
-    const bool atEnd = player.frame >= project.length - 1;
+    const bool atStart = player.frame() <= 0 && !player.loops();
+    const bool atEnd = player.frame() >= project.length - 1 && !player.loops();
     switch (button) {
     case 0:
         return !atStart;
@@ -83,11 +83,11 @@ bool EditorState::canUse(int button) const
 EditorState makeEditorState(MediaBin bin, const Text& title)
 {
     EditorState state;
-    std::vector<Text> names;
+    std::vector<Material> materials;
     for (const MediaItem& item : bin.items)
-        names.push_back(item.name);
+        materials.push_back({item.name, item.frames(), item.kind == MediaItem::Kind::eTestClip});
     state.bin = std::move(bin);
-    state.project = makeProject(names, title);
+    state.project = makeProject(materials, title);
     state.titleField.set(state.project.title);
     const std::vector<Clip>& clips = state.project.clips;
     for (std::size_t i = 0; i < clips.size() && clips[i].track != Track::ePicture; ++i)
@@ -99,7 +99,8 @@ EditorState makeEditorState(MediaBin bin, const Text& title)
     if (!state.bin.items.empty() && !clips.empty())
         state.bin.selected =
             state.bin.find(clips[static_cast<std::size_t>(state.selectedClip)].name);
-    state.player.frame = std::min(Timecode::fromSeconds(4, 12), state.project.length / 2);
+    state.player.setLength(state.project.length);
+    state.player.seek(std::min(Timecode::fromSeconds(4, 12), state.project.length / 2));
     return state;
 }
 
@@ -121,6 +122,9 @@ Hit hitTest(const EditorState& state, const Layout& layout, const Point& p)
     for (std::size_t i = 0; i < layout.buttons.size(); ++i)
         if (layout.buttons[i].contains(p))
             return {Area::eButton, static_cast<int>(i)};
+    for (std::size_t i = 0; i < layout.chips.size(); ++i)
+        if (layout.chips[i].contains(p))
+            return {Area::eChip, static_cast<int>(i)};
     if (layout.viewer.contains(p))
         return {Area::eViewer, 0};
     if (layout.timeline.contains(p))
@@ -150,6 +154,13 @@ Rect clipRect(const EditorState& state, const Layout& layout, const Clip& clip)
     return {left, track.top + 1, std::max(left + 2, x(clip.end())), track.bottom - 1};
 }
 
+int clipLengthOf(const EditorState& state, const MediaItem& item)
+{
+    const int frames = item.frames();
+    return frames > 0 ? std::max(frames, Project::kShortest)
+                      : Timecode::fromSeconds(4, 0, state.player.rate());
+}
+
 Clip clipToDrop(const EditorState& state, const Layout& layout)
 {
     Clip clip;
@@ -160,8 +171,9 @@ Clip clipToDrop(const EditorState& state, const Layout& layout)
     for (const Track track : {Track::eOverlay, Track::ePicture})
         if (layout.tracks[static_cast<std::size_t>(track)].contains(p)) {
             clip.track = track;
-            clip.length = Timecode::fromSeconds(4);
-            clip.name = state.bin.items[static_cast<std::size_t>(state.drag.index)].name;
+            const MediaItem& item = state.bin.items[static_cast<std::size_t>(state.drag.index)];
+            clip.length = clipLengthOf(state, item);
+            clip.name = item.name;
             const double at = state.view.frameAt(p.x, layout.lanes.left) - clip.length * 0.25;
             clip.start = std::max(0, static_cast<int>(std::lround(std::min(at, 1e8))));
             clip.start = state.project.freeStart(clip);

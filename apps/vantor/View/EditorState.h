@@ -1,12 +1,13 @@
 #pragma once
 
 #include "Model/MediaBin.h"
-#include "Model/Player.h"
 #include "Model/Project.h"
 #include "Model/TextField.h"
 #include "Model/TimeView.h"
+#include "Model/Transport.h"
 #include "View/Layout.h"
 
+#include <cstdint>
 #include <vector>
 
 namespace Vantor {
@@ -22,6 +23,7 @@ enum class Area
     eBinEdge,
     eTimelineEdge,
     eViewer,
+    eChip,   ///< the index is a ViewerChip
     eButton, ///< the index is the button's
     eRuler,
     ePlayhead,
@@ -67,7 +69,8 @@ struct Drag
         eMedia,
         eText,
         eBinEdge,
-        eTimelineEdge
+        eTimelineEdge,
+        eShift ///< of the viewer's picture
     };
     Kind kind = Kind::eNone;
     int index = -1;
@@ -75,6 +78,15 @@ struct Drag
     Point from;   ///< where the button went down
     bool moved = false;
     Project before; ///< what undo goes back to
+};
+
+/// What became of the frames, for the status line.
+struct ShownFrames
+{
+    std::uint64_t presented = 0;
+    std::uint64_t dropped = 0;
+    double rate = 0.0; ///< frames a second while playing; 0: unknown
+    bool byGL = false; ///< in a video window
 };
 
 /// Everything that the editor shows and edits: plain data.
@@ -86,7 +98,7 @@ struct EditorState
     std::vector<Project> undone; ///< what redo goes forward to
     std::vector<Project> done;   ///< what undo goes back to
     MediaBin bin;
-    Player player;
+    Transport player;
     TimeView view;
 
     int selectedClip = Project::kNone;
@@ -102,8 +114,9 @@ struct EditorState
     Hit pressed;
     Drag drag;
 
-    Text message;           ///< for the status line, until the next action
-    double shownRate = 0.0; ///< frames a second drawn while playing
+    Text message; ///< for the status line, until the next action
+    ShownFrames shown;
+    bool fullScreen = false; ///< asked for: the viewer's picture alone
     bool quitting = false;
     int itemToRemove = MediaBin::kNone; ///< asked for; the editor does it and clears it
     bool frameToExport = false;         ///< likewise
@@ -126,6 +139,8 @@ int fieldTextLeft(const Layout& layout, Focus field, std::uint32_t caret,
                   const std::vector<int>& edges);
 /// The rectangle of a clip on the timeline; it may reach beyond the lanes.
 Rect clipRect(const EditorState& state, const Layout& layout, const Clip& clip);
+/// How long a clip of a thing of the bin is at first.
+int clipLengthOf(const EditorState& state, const MediaItem& item);
 /// The clip that letting go of a dragged picture here would make; its length is 0 where it cannot
 /// go.
 Clip clipToDrop(const EditorState& state, const Layout& layout);

@@ -1,6 +1,6 @@
 #include "View/Interaction.h"
 
-#include "Model/Timecode.h"
+#include "View/ViewerGeometry.h"
 
 #include <OS/Windowing/KeyCodes.h>
 
@@ -40,11 +40,16 @@ void Interaction::press(const Point& point, std::uint32_t modifiers, std::int64_
     lastPressMs_ = twice ? timeMs - kDoubleClickMs - 1 : timeMs;
     lastPress_ = point;
 
-    const Layout layout = layoutOf(state_);
-    const Hit hit = hitTest(state_, layout, point);
     state_.pointer = point;
     state_.pointerInside = true;
     state_.message.clear();
+    // What lies under a picture that fills the screen cannot be meant.
+    if (state_.fullScreen) {
+        state_.fullScreen = !twice;
+        return;
+    }
+    const Layout layout = layoutOf(state_);
+    const Hit hit = hitTest(state_, layout, point);
     state_.hover = state_.pressed = hit;
     if (hit.area == Area::eTitle || hit.area == Area::eFilter) {
         pressTitleOrFilter(hit.area == Area::eTitle ? Focus::eTitle : Focus::eFilter, point,
@@ -81,9 +86,11 @@ void Interaction::press(const Point& point, std::uint32_t modifiers, std::int64_
     case Area::eClipEnd:
         pressClip(hit, point);
         break;
+    case Area::eViewer:
+        pressViewer(point, twice);
+        break;
     case Area::eLane:
     case Area::eHead:
-    case Area::eViewer:
         focusOn(Focus::eTimeline, false);
         state_.selectedClip = Project::kNone;
         break;
@@ -143,7 +150,7 @@ void Interaction::pressButton(int button)
         if (state_.player.playing())
             state_.player.stop();
         else
-            state_.player.seek(0, state_.project.length);
+            state_.player.seek(0);
     } else {
         state_.player.shuttle(button == 0 ? -1 : 1);
     }
@@ -170,8 +177,7 @@ void Interaction::dragTo(const Point& point)
     switch (state_.drag.kind) {
     case Drag::Kind::ePlayhead: {
         const double at = state_.view.frameAt(point.x, layout.lanes.left);
-        state_.player.seek(static_cast<int>(std::lround(std::clamp(at, 0.0, 1e8))),
-                           state_.project.length);
+        state_.player.seek(static_cast<int>(std::lround(std::clamp(at, 0.0, 1e8))));
         revealPlayhead();
         break;
     }
@@ -182,6 +188,9 @@ void Interaction::dragTo(const Point& point)
         break;
     case Drag::Kind::eText:
         dragText(point);
+        break;
+    case Drag::Kind::eShift:
+        dragShift(point);
         break;
     case Drag::Kind::eBinEdge:
         state_.choices.binWidth = std::max(1, point.x - state_.drag.grab - layout.bin.left);
@@ -208,7 +217,7 @@ int Interaction::snapped(int frame, int ignoredClip) const
             best = edge;
         }
     };
-    offer(state_.player.frame);
+    offer(state_.player.frame());
     for (std::size_t i = 0; i < state_.project.clips.size(); ++i)
         if (static_cast<int>(i) != ignoredClip) {
             offer(state_.project.clips[i].start);
@@ -272,6 +281,8 @@ void Interaction::release(const Point& point)
     const Hit hit = hitTest(state_, layout, point);
     if (state_.pressed.area == Area::eButton && hit == state_.pressed)
         pressButton(hit.index);
+    if (state_.pressed.area == Area::eChip && hit == state_.pressed)
+        pressChip(hit.index);
     state_.pressed = {};
     state_.hover = hit;
     settle();
@@ -288,8 +299,13 @@ void Interaction::cancelDrag()
 
 void Interaction::wheel(const Point& point, int direction, std::uint32_t modifiers)
 {
+    if (state_.fullScreen)
+        return;
     const Layout layout = layoutOf(state_);
-    if (layout.timeline.contains(point)) {
+    if (layout.screen.contains(point)) {
+        const int zoom = static_cast<int>(state_.choices.viewer.zoom) + (direction > 0 ? 1 : -1);
+        zoomViewer(static_cast<ViewerZoom>(std::clamp(zoom, 0, kViewerZooms - 1)));
+    } else if (layout.timeline.contains(point)) {
         if ((modifiers & Key::eShift) != 0)
             state_.view.scroll(-direction * layout.lanes.width() / 8.0);
         else
@@ -308,8 +324,9 @@ void Interaction::insertPicture(int item, Track track, int start)
     Clip clip;
     clip.track = track;
     clip.start = start;
-    clip.length = Timecode::fromSeconds(4);
-    clip.name = state_.bin.items[static_cast<std::size_t>(item)].name;
+    const MediaItem& media = state_.bin.items[static_cast<std::size_t>(item)];
+    clip.length = clipLengthOf(state_, media);
+    clip.name = media.name;
     state_.selectedClip = state_.project.insert(clip);
     state_.view.reveal(state_.project.clips.back().start, layoutOf(state_).lanes.width());
     remember(before);
@@ -343,6 +360,8 @@ void Interaction::settle()
         state_.choices.binWidth = layout.bin.width();
     if (state_.choices.timelineHeight > 0 && state_.drag.kind == Drag::Kind::eTimelineEdge)
         state_.choices.timelineHeight = layout.timeline.height();
+    state_.choices.viewer.shift =
+        soundShift(layout.screen, state_.choices.ratio, state_.choices.viewer);
     const int count = static_cast<int>(state_.bin.visible().size());
     state_.bin.scroll = std::clamp(state_.bin.scroll, 0, layout.scrollRange(count));
 }

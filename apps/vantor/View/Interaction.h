@@ -37,10 +37,15 @@ private:
     void pressTitleOrFilter(Focus field, const Point& point, std::uint32_t modifiers, bool twice);
     void pressTile(int item, bool twice);
     void pressClip(const Hit& hit, const Point& point);
+    void pressViewer(const Point& point, bool twice);
     void pressButton(int button);
+    void pressChip(int chip);
+    void changeRate(int by, bool around);
+    void zoomViewer(ViewerZoom zoom);
     void dragTo(const Point& point);
     void dragClip(const Point& point);
     void dragText(const Point& point);
+    void dragShift(const Point& point);
     void startDrag(Drag::Kind kind, int index, int grab, const Point& point);
     void insertPicture(int item, Track track, int start);
     void focusOn(Focus focus, bool byKeyboard);
@@ -50,6 +55,8 @@ private:
     bool commandKey(std::uint32_t code, std::uint32_t modifiers);
     bool binKey(std::uint32_t code);
     void transportKey(std::uint32_t code, std::uint32_t modifiers);
+    bool viewerKey(std::uint32_t code);
+    void deleteClip();
     void remember(const Project& before);
     void undo();
     void redo();
@@ -61,6 +68,7 @@ private:
     Boundaries boundaries_;
     std::int64_t lastPressMs_ = 0;
     Point lastPress_{-100, -100};
+    Point shiftBefore_; ///< of the picture that is being dragged
 };
 
 } // namespace Vantor

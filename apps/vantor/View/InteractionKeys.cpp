@@ -1,7 +1,5 @@
 #include "View/Interaction.h"
 
-#include "Model/Timecode.h"
-
 #include <OS/Windowing/KeyCodes.h>
 
 #include <algorithm>
@@ -63,6 +61,13 @@ void Interaction::key(std::uint32_t code, std::uint32_t modifiers)
     if (state_.drag.kind != Drag::Kind::eNone && code != Key::eEscape)
         return;
     state_.message.clear();
+    if (state_.fullScreen) {
+        if (code == Key::eEscape || code == Key::eReturn)
+            state_.fullScreen = false;
+        else if (!viewerKey(code))
+            transportKey(code, modifiers);
+        return;
+    }
     if (code == Key::eTab) {
         moveFocus((modifiers & Key::eShift) != 0 ? -1 : 1);
         return;
@@ -84,7 +89,16 @@ void Interaction::key(std::uint32_t code, std::uint32_t modifiers)
         return;
     if (state_.focus == Focus::eBin && binKey(code))
         return;
-    transportKey(code, modifiers);
+    const int button = static_cast<int>(state_.focus) - static_cast<int>(Focus::eBackwards);
+    const bool onButton = button >= 0 && button < Layout::kButtons;
+    if (onButton && (code == Key::eSpace || code == Key::eReturn))
+        pressButton(button);
+    else if (code == Key::eReturn)
+        state_.fullScreen = true;
+    else if (code == Key::eDelete || code == Key::eBackspace)
+        deleteClip();
+    else if (!viewerKey(code))
+        transportKey(code, modifiers);
 }
 
 bool Interaction::fieldKey(std::uint32_t code, std::uint32_t modifiers)
@@ -129,6 +143,10 @@ bool Interaction::commandKey(std::uint32_t code, std::uint32_t modifiers)
         leaveField(true);
         state_.frameToExport = true;
         return true;
+    case 'l':
+    case 'L':
+        state_.player.setLoop(!state_.player.loops());
+        return true;
     case 'f':
         leaveField(true);
         focusOn(Focus::eFilter, true);
@@ -171,7 +189,7 @@ bool Interaction::binKey(std::uint32_t code)
     case Key::eReturn:
         if (place >= 0)
             insertPicture(visible[static_cast<std::size_t>(place)], Track::ePicture,
-                          state_.player.frame);
+                          state_.player.frame());
         return true;
     default:
         return false;
@@ -189,66 +207,61 @@ bool Interaction::binKey(std::uint32_t code)
     return true;
 }
 
+void Interaction::deleteClip()
+{
+    if (state_.selectedClip == Project::kNone)
+        return;
+    const Project before = state_.project;
+    state_.project.remove(state_.selectedClip);
+    state_.selectedClip = Project::kNone;
+    remember(before);
+}
+
 void Interaction::transportKey(std::uint32_t code, std::uint32_t modifiers)
 {
-    const int length = state_.project.length;
-    const int stride = (modifiers & Key::eShift) != 0 ? Timecode::kFrameRate : 1;
-    const int button = static_cast<int>(state_.focus) - static_cast<int>(Focus::eBackwards);
-    const bool onButton = button >= 0 && button < Layout::kButtons;
+    Transport& player = state_.player;
+    const int stride = (modifiers & Key::eShift) != 0 ? player.rate().nominal() : 1;
     switch (code) {
     case Key::eSpace:
-    case Key::eReturn:
-        if (onButton)
-            pressButton(button);
-        else if (code == Key::eSpace)
-            state_.player.toggle(length);
+        player.toggle();
         break;
     case 'j':
     case 'J':
-        state_.player.shuttle(-1);
+        player.shuttle(-1);
         break;
     case 'k':
     case 'K':
-        state_.player.stop();
+        player.stop();
         break;
     case 'l':
     case 'L':
-        state_.player.shuttle(1);
+        player.shuttle(1);
         break;
     case Key::eLeft:
-        state_.player.step(-stride, length);
+        player.step(-stride);
         break;
     case Key::eRight:
-        state_.player.step(stride, length);
+        player.step(stride);
         break;
     case Key::eHome:
-        state_.player.step(-length, length);
+        player.step(-player.length());
         break;
     case Key::eEnd:
-        state_.player.step(length, length);
+        player.step(player.length());
         break;
     case Key::eUp:
-        state_.player.seek(state_.project.previousEdge(state_.player.frame), length);
+        player.seek(state_.project.previousEdge(player.frame()));
         break;
     case Key::eDown:
-        state_.player.seek(state_.project.nextEdge(state_.player.frame), length);
+        player.seek(state_.project.nextEdge(player.frame()));
         break;
     case '+':
     case '-': {
         const Layout layout = layoutOf(state_);
-        const double x = state_.view.xOf(state_.player.frame, layout.lanes.left);
+        const double x = state_.view.xOf(player.frame(), layout.lanes.left);
         state_.view.zoomAround(x, layout.lanes.left, code == '+' ? kZoomStep : 1.0 / kZoomStep);
         break;
     }
-    case Key::eDelete:
-    case Key::eBackspace:
-        if (state_.selectedClip != Project::kNone) {
-            const Project before = state_.project;
-            state_.project.remove(state_.selectedClip);
-            state_.selectedClip = Project::kNone;
-            remember(before);
-        }
-        return;
     default:
         return;
     }
@@ -257,7 +270,7 @@ void Interaction::transportKey(std::uint32_t code, std::uint32_t modifiers)
 
 void Interaction::revealPlayhead()
 {
-    state_.view.reveal(state_.player.frame, layoutOf(state_).lanes.width());
+    state_.view.reveal(state_.player.frame(), layoutOf(state_).lanes.width());
 }
 
 void Interaction::remember(const Project& before)
@@ -293,8 +306,7 @@ void Interaction::afterProjectChange()
     state_.drag = {};
     state_.selectedClip = Project::kNone;
     state_.titleField.set(state_.project.title);
-    state_.player.frame =
-        std::clamp(state_.player.frame, 0, std::max(state_.project.length - 1, 0));
+    state_.player.setLength(state_.project.length);
 }
 
 } // namespace Vantor

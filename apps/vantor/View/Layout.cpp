@@ -1,5 +1,7 @@
 #include "View/Layout.h"
 
+#include "View/ViewerGeometry.h"
+
 #include <algorithm>
 
 namespace Vantor {
@@ -19,6 +21,7 @@ constexpr int kTransport = 40;
 constexpr int kTileLabel = 20;
 constexpr int kTile = 132;
 constexpr int kPadding = 12;
+constexpr int kChipWidths[Layout::kChips] = {40, 40, 30, 34, 62, 62, 26};
 
 constexpr int kNarrowestBin = 240;
 constexpr int kNarrowestViewer = 420;
@@ -53,17 +56,21 @@ void layOutBin(Layout& l)
     l.thumbHeight = l.tileWidth * 62 / kTile;
 }
 
-void layOutViewer(Layout& l)
+void layOutViewer(Layout& l, const LayoutChoices& choices)
 {
     l.viewerHeader = {l.viewer.left, l.viewer.top, l.viewer.right, l.viewer.top + kHeader};
     l.transport = {l.viewer.left, l.viewer.bottom - kTransport, l.viewer.right, l.viewer.bottom};
     l.stage = {l.viewer.left + kPadding, l.viewerHeader.bottom + 4, l.viewer.right - kPadding,
                l.transport.top};
-    const int width = std::min(l.stage.width(), l.stage.height() * 16 / 9);
-    const int height = std::min(l.stage.height(), width * 9 / 16);
-    const int left = (l.stage.left + l.stage.right - width) / 2;
-    const int top = (l.stage.top + l.stage.bottom - height) / 2;
-    l.picture = {left, top, left + width, top + height};
+    l.screen = {l.viewer.left, l.viewerHeader.bottom, l.viewer.right, l.transport.top};
+    l.picture = placePicture(l.screen, l.stage, choices.ratio, choices.viewer);
+
+    int right = l.viewer.right - 6;
+    for (std::size_t i = Layout::kChips; i-- > 0;) {
+        l.chips[i] = {right - kChipWidths[i], l.viewerHeader.top + 4, right,
+                      l.viewerHeader.bottom - 4};
+        right -= kChipWidths[i] + 2;
+    }
 
     const int centre = (l.transport.left + l.transport.right) / 2;
     const int middle = l.transport.top + 21;
@@ -111,7 +118,7 @@ Layout makeLayout(const Point& window, const LayoutChoices& choices)
     l.binEdge = {l.bin.right, top, l.viewer.left, bottom};
     l.timelineEdge = {kMargin, bottom, l.size.x - kMargin, l.timeline.top};
     layOutBin(l);
-    layOutViewer(l);
+    layOutViewer(l, choices);
     layOutTimeline(l);
     return l;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Model/Text.h"
+#include "Model/ViewerChoices.h"
 
 #include <array>
 
@@ -12,6 +13,20 @@ struct LayoutChoices
     int binWidth = 0;       ///< 0: chosen by the window's size
     int timelineHeight = 0; ///< 0: chosen by the window's size
     int titleWidth = 126;   ///< of the project's title as drawn
+    double ratio = 1.0;     ///< device pixels for each logical one
+    ViewerChoices viewer = {};
+};
+
+/// The viewer's switches, from the left.
+enum class ViewerChip : int
+{
+    eLoop,
+    eSafeAreas,
+    eTimeCode,
+    eFrameNumber,
+    eRate,
+    eZoom,
+    eFullScreen
 };
 
 /// Where everything is: a pure function of the window's size. Logical pixels.
@@ -21,6 +36,7 @@ struct Layout
 {
     static constexpr int kTracks = 4;
     static constexpr int kButtons = 3;
+    static constexpr int kChips = 7;
     static inline const Point kSmallest{960, 600};
     static inline const Point kLargest{7680, 4320};
 
@@ -38,8 +54,10 @@ struct Layout
 
     Rect viewer;
     Rect viewerHeader;
-    Rect stage; ///< what the picture is fitted into
-    Rect picture;
+    std::array<Rect, kChips> chips; ///< the viewer's switches, in the order of ViewerChip
+    Rect screen;                    ///< between header and transport: what the viewer covers
+    Rect stage;                     ///< what the picture is fitted into
+    Rect picture;                   ///< zoomed it may reach beyond the screen
     Rect transport;
     std::array<Rect, kButtons> buttons; ///< backwards, stop, forwards
 

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "Drawing/PictureStore.h"
+#include "Play/FrameReader.h"
+#include "common/Icons.h"
+#include "common/Resources.h"
+
+namespace Vantor {
+
+/// Draws whole frames of an edit in main memory, for one thread.
+class FrameMaker
+{
+public:
+    FrameMaker();
+
+    /// The frame as a picture of the spec's size; null when memory is short.
+    Tq::Ptr<iHostImage> draw(const FrameSpec& spec, int frame);
+    /// The same on the GPU; in main memory where the GPU takes none.
+    Tq::Ptr<iImage> make(const FrameSpec& spec, int frame);
+
+private:
+    Resources resources_;
+    Icons icons_;
+    PictureStore pictures_;
+    Tq::Ptr<iHostImage> surface_; ///< used again for frames that went to the GPU
+};
+
+} // namespace Vantor

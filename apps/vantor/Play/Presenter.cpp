@@ -1,0 +1,216 @@
+#include "Play/Presenter.h"
+
+#include "Drawing/Overlays.h"
+#include "Play/FrameMaker.h"
+#include "View/ViewerGeometry.h"
+
+#include <OS.h>
+#include <OS/Threads/CriticalSectionLock.h>
+#include <OS/Threads/iThreadManager.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace Vantor {
+
+namespace {
+
+constexpr int kWorkers = 2;
+constexpr std::size_t kFrames = 8; ///< ready and being made
+constexpr double kBusyMs = 1.0;    ///< until a window that is behind is asked again
+
+/// Pixels of the frame for a place on the screen: as fine as the screen, and no finer than the
+/// sequence.
+Point pixelsFor(const Rect& picture, double ratio)
+{
+    const Point fine{static_cast<int>(std::lround(picture.width() * ratio)),
+                     static_cast<int>(std::lround(picture.height() * ratio))};
+    return fine.x > kSequenceSize.x || fine.y > kSequenceSize.y ? kSequenceSize : fine;
+}
+
+Rect placeIn(const Point& size, const Showing& showing, double ratio)
+{
+    const Rect screen{0, 0, size.x, size.y};
+    if (!showing.alone)
+        return placePicture(screen, {12, 4, size.x - 12, size.y}, ratio, showing.choices);
+    return placePicture(screen, screen, ratio, ViewerChoices());
+}
+
+} // namespace
+
+struct Presenter::Shown
+{
+    std::uint64_t changes = 0;
+    std::uint64_t run = 0;
+    std::int64_t tick = -1;
+    Point windowSize;
+    bool sharp = false; ///< with the frame that was meant
+    Tq::Ptr<iImage> image;
+    Point pixels;
+};
+
+Presenter::Presenter()
+    : lock_(OS()->threadMgr()->createCriticalSection(0)),
+      wake_(OS()->threadMgr()->createEvent(false, false, nullptr)), shown_(new Shown)
+{
+    // Each worker has a maker of its own.
+    auto makers = std::make_shared<std::vector<std::unique_ptr<FrameMaker>>>();
+    for (int i = 0; i < kWorkers; ++i)
+        makers->push_back(std::make_unique<FrameMaker>());
+    reader_ = std::make_unique<FrameReader>(
+        kWorkers, kFrames,
+        [makers](int worker, const FrameSpec& spec, int frame) {
+            return (*makers)[static_cast<std::size_t>(worker)]->make(spec, frame);
+        },
+        [this] { wake_->set(); });
+    iThread::InitArgs args;
+    args.func_ = run;
+    args.arg_ = this;
+    args.name_ = "Viewer";
+    thread_ = OS()->threadMgr()->createThread(args);
+}
+
+Presenter::~Presenter()
+{
+    ends_ = true;
+    wake_->set();
+    thread_->waitForCompletion(iWaitable::kNoTimeOut);
+    reader_.reset();
+}
+
+void Presenter::show(const Showing& showing)
+{
+    {
+        const CriticalSectionLock held(lock_);
+        if (showing.looksLike(showing_))
+            return;
+        if (showing_.window && showing.window.get() != showing_.window.get()) {
+            const iVideoWindow::Statistics before = showing_.window->getStatistics();
+            presentedBefore_ += before.presented;
+            droppedBefore_ += before.dropped;
+            if (showing.window)
+                showing.window->resetStatistics();
+        }
+        showing_ = showing;
+        ++changes_;
+    }
+    wake_->set();
+}
+
+Presenter::Facts Presenter::facts() const
+{
+    const CriticalSectionLock held(lock_);
+    iVideoWindow::Statistics now;
+    if (showing_.window)
+        now = showing_.window->getStatistics();
+    return {presentedBefore_ + now.presented, droppedBefore_ + now.dropped + count_.dropped(),
+            count_.rate(),
+            settledChanges_ == changes_ && showing_.window &&
+                showing_.window->getQueuedFrames() == 0};
+}
+
+iThread::eExecRC Presenter::run(void* presenter)
+{
+    static_cast<Presenter*>(presenter)->loop();
+    return iThread::eExecSucceeded;
+}
+
+void Presenter::loop()
+{
+    while (!ends_) {
+        Showing showing;
+        std::uint64_t changes = 0;
+        {
+            const CriticalSectionLock held(lock_);
+            showing = showing_;
+            changes = changes_;
+        }
+        if (changes != shown_->changes)
+            shown_->tick = -1;
+        shown_->changes = changes;
+        const double wait = present(showing);
+        if (ends_)
+            break;
+        wake_->wait(std::isfinite(wait) ? static_cast<unsigned int>(std::max(1.0, std::floor(wait)))
+                                        : iWaitable::kNoTimeOut);
+    }
+    shown_->image.reset();
+}
+
+// @return how long there is nothing to do
+double Presenter::present(const Showing& showing)
+{
+    const double forever = std::numeric_limits<double>::infinity();
+    if (!showing.window || showing.window->isClosed() || !showing.edit)
+        return forever;
+    const Point size = showing.window->getSize();
+    const double ratio = showing.window->getPixelRatio();
+    if (size.x <= 0 || size.y <= 0 || !(ratio > 0.0))
+        return forever;
+    const Transport& transport = showing.transport;
+    const double now = transport.now();
+    const Point pixels = pixelsFor(placeIn(size, showing, ratio), ratio);
+    reader_->want({showing.edit, transport.rate(), pixels},
+                  transport.ahead(now, static_cast<int>(kFrames)));
+
+    const std::int64_t tick = transport.ticksAt(now);
+    const bool done = shown_->sharp && shown_->tick == tick && shown_->run == transport.run() &&
+                      shown_->windowSize == size;
+    const double wait = transport.nextChange(now) - now;
+    if (done)
+        return wait;
+    const int frame = transport.frameAt(now);
+    const bool ready = reader_->has(frame);
+    const bool changed = shown_->tick < 0 || !(shown_->windowSize == size);
+    // Until the new frame is there, the last one takes its new place.
+    if (!ready && (!changed || !shown_->image))
+        return wait;
+    if (showing.window->getQueuedFrames() > 0)
+        return std::min(wait, kBusyMs);
+    if (ready) {
+        shown_->image = reader_->find(frame);
+        shown_->pixels = pixels;
+    }
+    draw(showing, shown_->image, shown_->pixels, frame);
+    shown_->sharp = ready;
+    shown_->tick = tick;
+    shown_->run = transport.run();
+    shown_->windowSize = size;
+    if (ready)
+        count(showing, tick, now);
+    return transport.nextChange(now) - transport.now();
+}
+
+bool Presenter::draw(const Showing& showing, const Tq::Ptr<iImage>& image, const Point& pixels,
+                     int frame)
+{
+    const Tq::Ptr<iVideoWindowBackBuffer> buffer = showing.window->getBackBuffer();
+    const Tq::Ptr<iGraphicPrimitivesRenderer> renderer =
+        buffer ? buffer->getPrimitivesRenderer(true) : nullptr;
+    if (!renderer)
+        return false;
+    const Point size = buffer->getSize();
+    const double ratio = showing.window->getPixelRatio();
+    const Rect picture = placeIn(size, showing, ratio);
+    Canvas canvas(resources_, renderer);
+    canvas.fill({0, 0, size.x, size.y}, showing.alone ? Theme::kBlack : Theme::kPanel);
+    if (image)
+        canvas.stretched(image, pixels, picture, false);
+    else
+        canvas.fill(picture, Theme::kBlack);
+    drawOverlays(canvas, picture, showing.choices, frame, showing.transport.rate(),
+                 [&](const Text& words, const Rect& plate, int height) {
+                     digits_.write(canvas, words, plate, height, ratio);
+                 });
+    return true;
+}
+
+void Presenter::count(const Showing& showing, std::int64_t tick, double ms)
+{
+    const CriticalSectionLock held(lock_);
+    count_.show(showing.transport.run(), tick, ms, showing.transport.playing());
+    settledChanges_ = shown_->changes;
+}
+
+} // namespace Vantor

@@ -1,0 +1,89 @@
+#pragma once
+
+#include "Drawing/DigitPictures.h"
+#include "Model/PlayCount.h"
+#include "Model/Transport.h"
+#include "Model/ViewerChoices.h"
+#include "Play/FrameReader.h"
+
+#include <OS/Threads/iThread.h>
+#include <OS/Threads/iThreadEvent.h>
+#include <OS/Windowing/iVideoWindow.h>
+
+#include <atomic>
+#include <memory>
+
+namespace Vantor {
+
+/// What is to be shown: plain data, handed over as a whole.
+struct Showing
+{
+    Tq::Ptr<iVideoWindow> window; ///< null: nothing is shown
+    bool alone = false;           ///< the picture fills the window
+    Transport transport;
+    ViewerChoices choices;
+    std::shared_ptr<const Edit> edit;
+
+    /// Whether it is the same to be seen, however far the clock has gone.
+    bool looksLike(const Showing& other) const
+    {
+        return window.get() == other.window.get() && alone == other.alone && edit == other.edit &&
+               choices == other.choices && transport.run() == other.transport.run();
+    }
+};
+
+/// Shows the frames in a video window, each at its time, on a thread of its own.
+///
+/// The time decides: a frame that is not ready when its time has passed is left out. Construction,
+/// show() and destruction belong to the thread of the event loop.
+class Presenter
+{
+public:
+    Presenter();
+    ~Presenter();
+    Presenter(const Presenter&) = delete;
+    Presenter& operator=(const Presenter&) = delete;
+
+    /// From now on. Does not wait.
+    void show(const Showing& showing);
+
+    /// What became of the frames; from any thread.
+    struct Facts
+    {
+        std::uint64_t presented = 0;
+        std::uint64_t dropped = 0;
+        double rate = 0.0;    ///< frames a second while playing; 0: unknown
+        bool settled = false; ///< what is to be seen has been handed to the window
+    };
+    Facts facts() const;
+
+private:
+    struct Shown; ///< what is on the screen
+
+    static iThread::eExecRC run(void* presenter);
+    void loop();
+    Showing current() const;
+    double present(const Showing& showing);
+    bool draw(const Showing& showing, const Tq::Ptr<iImage>& image, const Point& pixels, int frame);
+    void count(const Showing& showing, std::int64_t tick, double ms);
+
+    const Tq::Ptr<iCriticalSection> lock_;
+    const Tq::Ptr<iThreadEvent> wake_;
+    std::atomic<bool> ends_{false};
+    Showing showing_; ///< under lock_, and so the next five
+    std::uint64_t changes_ = 0;
+    std::uint64_t settledChanges_ = 0;
+    PlayCount count_;
+    std::uint64_t presentedBefore_ = 0; ///< in windows that were left
+    std::uint64_t droppedBefore_ = 0;
+
+    // On the thread only.
+    Resources resources_{1.0};
+    DigitPictures digits_;
+    std::unique_ptr<Shown> shown_;
+
+    std::unique_ptr<FrameReader> reader_;
+    Tq::Ptr<iThread> thread_;
+};
+
+} // namespace Vantor

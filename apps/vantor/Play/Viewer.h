@@ -1,0 +1,44 @@
+#pragma once
+
+#include "Play/Presenter.h"
+#include "View/EditorState.h"
+
+#include <OS/Windowing/iRootWindow.h>
+
+#include <memory>
+
+namespace Vantor {
+
+/// The viewer as a video window over the editor's, and as one that fills a monitor. On the thread
+/// of the event loop.
+class Viewer
+{
+public:
+    /// @return null where there are no video windows
+    static std::unique_ptr<Viewer> make(const Layout& layout);
+    ~Viewer();
+
+    /// Shows the state from now on; makes and drops the window that fills the screen.
+    void show(EditorState& state, const Layout& layout);
+    ShownFrames facts() const;
+    /// Device pixels for each logical one.
+    double ratio() const;
+    /// Whether what was shown last is on the screen, as far as it can be known.
+    bool isSettled() const
+    {
+        const Presenter::Facts facts = presenter_.facts();
+        return facts.settled && facts.presented > 0;
+    }
+
+private:
+    explicit Viewer(Tq::Ptr<iVideoWindow> window) : window_(std::move(window)) {}
+    void keepEdit(const EditorState& state);
+
+    Tq::Ptr<iVideoWindow> window_;
+    Tq::Ptr<iVideoWindow> fullScreen_; ///< null while the picture does not fill the screen
+    Rect place_;
+    std::shared_ptr<const Edit> edit_;
+    Presenter presenter_;
+};
+
+} // namespace Vantor

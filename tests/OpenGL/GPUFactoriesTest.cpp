@@ -58,6 +58,12 @@ TEST_F(GPUFactoriesTest, AnswerNullToWhatCannotBe)
     EXPECT_FALSE(media()->createGPUSurface({0, 4}, F::eARGB8));
     EXPECT_FALSE(media()->createGPUSurface({1 << 20, 4}, F::eARGB8));
     EXPECT_FALSE(media()->copyToGPU(nullptr, F::eARGB8));
+    const int tooWide = OpenGLUtils::getMaxTextureSize().x + 1;
+    for (const auto format : {F::eARGB8, F::eARGB16}) {
+        EXPECT_FALSE(media()->copyToGPU(noise({tooWide, 1}), format));
+        EXPECT_FALSE(
+            media()->copyToGPU(media()->createGPUReadySurface({tooWide, 1}, format), format));
+    }
     EXPECT_FALSE(media()->copyToHost(Tq::Ptr<iGPUImage>()));
     EXPECT_FALSE(media()->copyToHost(Tq::Ptr<iGPUImage>(new BackBuffer)));
     EXPECT_FALSE(media()->createGPUImage3D(nullptr));
@@ -134,6 +140,7 @@ TEST_F(GPUFactoriesTest, ReadySurfacesStartBlackAndAreRefusedWhereTheyCannotBe)
     EXPECT_TRUE(media()->createGPUReadySurface({4, 2}, F::eARGB8)->getPrimitivesRenderer(true));
     for (const XY<int>& size : {XY<int>{0, 4}, {4, -1}, {1 << 30, 1 << 30}, {1, 4}})
         EXPECT_FALSE(media()->createGPUReadySurface(size, F::eYUY2));
+    EXPECT_FALSE(media()->createGPUReadySurface({1 << 29, 1}, F::eARGB16)) << "no stride says that";
 }
 
 TEST_F(GPUFactoriesTest, CachesAreCleared)

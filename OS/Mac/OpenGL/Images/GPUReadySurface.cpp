@@ -6,6 +6,10 @@
 
 #include <OS/Primitives/iGraphicPrimitivesRenderer.h>
 
+#include <algorithm>
+#include <limits>
+#include <new>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -41,22 +45,24 @@ Tq::Ptr<iHostImage> GPUReadySurface::create(const XY<int>& size, iGPUImage::eFor
         Tq::Ptr<QtImage> words(new QtImage(size, QtImage::getDefaultFormat(), 1));
         return words->image() ? Tq::Ptr<iHostImage>(words) : Tq::Ptr<iHostImage>();
     }
-    if (packing.rowBytes(size.x) == 0)
+    const std::size_t rowBytes = packing.rowBytes(size.x);
+    if (rowBytes == 0 || rowBytes > std::numeric_limits<int>::max())
         return {};
-    return new GPUReadySurface(size, format);
+    const auto rows = static_cast<std::size_t>(size.y);
+    std::unique_ptr<std::uint8_t[]> pixels(new (std::nothrow) std::uint8_t[rowBytes * rows]);
+    if (!pixels)
+        return {};
+    const std::vector<std::uint32_t> black(static_cast<std::size_t>(size.x), 0xFF000000u);
+    packing.packRow(black.data(), size.x, pixels.get());
+    for (std::size_t row = 1; row < rows; ++row)
+        std::copy_n(pixels.get(), rowBytes, pixels.get() + row * rowBytes);
+    return new GPUReadySurface(size, format, std::move(pixels));
 }
 
-GPUReadySurface::GPUReadySurface(const XY<int>& size, iGPUImage::eFormat format)
-    : size_(size), format_(format)
+GPUReadySurface::GPUReadySurface(const XY<int>& size, iGPUImage::eFormat format,
+                                 std::unique_ptr<std::uint8_t[]> pixels)
+    : size_(size), format_(format), pixels_(std::move(pixels))
 {
-    const PixelPacking packing(format);
-    const std::size_t rowBytes = packing.rowBytes(size.x);
-    const auto rows = static_cast<std::size_t>(size.y);
-    pixels_ = std::make_unique_for_overwrite<std::uint8_t[]>(rowBytes * rows);
-    const std::vector<std::uint32_t> black(static_cast<std::size_t>(size.x), 0xFF000000u);
-    packing.packRow(black.data(), size.x, pixels_.get());
-    for (std::size_t row = 1; row < rows; ++row)
-        std::copy_n(pixels_.get(), rowBytes, pixels_.get() + row * rowBytes);
 }
 
 int GPUReadySurface::getBitsPerPixel() const

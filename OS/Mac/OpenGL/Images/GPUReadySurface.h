@@ -17,11 +17,11 @@ class GPUReadySurface final : public iHostImage
 public:
     /// Formats of 32-bit words get a plain host image, which can be drawn on.
     /// @return null when a side is below 1, when no pixel fits a row, or the picture would exceed
-    /// the cap on pictures
+    /// the cap on pictures or the memory
     static Tq::Ptr<iHostImage> create(const XY<int>& size, iGPUImage::eFormat format);
 
     XY<int> getSize() const override { return size_; }
-    /// The bits of the format, but 0 for 2:10:10:10: 32 is what words of four bytes say.
+    /// The bits of the format, but 0 for 2:10:10:10: 32 is what host images of plain words say.
     int getBitsPerPixel() const override;
     /// Bytes of a row in storage.
     int getStride() const override;
@@ -37,7 +37,8 @@ public:
     QImage toWords() const;
 
 private:
-    GPUReadySurface(const XY<int>& size, iGPUImage::eFormat format);
+    GPUReadySurface(const XY<int>& size, iGPUImage::eFormat format,
+                    std::unique_ptr<std::uint8_t[]> pixels);
 
     XY<int> size_;
     iGPUImage::eFormat format_;

@@ -1,5 +1,6 @@
 #include "OS/Mac/OpenGL/Images/HostUpload.h"
 
+#include "OS/Mac/OpenGL/Contexts/OpenGLUtils.h"
 #include "OS/Mac/OpenGL/Images/GPUReadySurface.h"
 
 HostUpload::HostUpload(const Tq::Ptr<iHostImage>& host, iGPUImage::eFormat format)
@@ -21,12 +22,16 @@ HostUpload::HostUpload(const Tq::Ptr<iHostImage>& host, iGPUImage::eFormat forma
 
 void HostUpload::takeWords(QImage words)
 {
+    size_ = {words.width(), words.height()};
     words_ = std::move(words);
+    if (!OpenGLUtils::isTextureSizePossible(size_)) { // not worth the work
+        data_ = words_.constBits();
+        return;
+    }
     if (words_.format() != QImage::Format_ARGB32_Premultiplied)
         words_ = words_.convertToFormat(QImage::Format_ARGB32_Premultiplied);
     if (words_.isNull()) // no memory
         return;
-    size_ = {words_.width(), words_.height()};
     if (packing_.isPlain()) {
         data_ = words_.constBits();
         texelsToNextRow_ = words_.bytesPerLine() / 4;

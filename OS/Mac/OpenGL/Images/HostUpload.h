@@ -18,7 +18,7 @@ public:
     /// GPUReadySurface gives nothing to upload
     HostUpload(const Tq::Ptr<iHostImage>& host, iGPUImage::eFormat format);
 
-    /// Null where there is nothing to upload.
+    /// Null where there is nothing to upload. Of an impossible size nothing is packed.
     const void* data() const { return data_; }
     /// All of the image's pixels: more than its logical size where its scale is not 1.
     XY<int> size() const { return size_; }

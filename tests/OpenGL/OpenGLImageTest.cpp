@@ -217,6 +217,7 @@ TEST_F(OpenGLImageTest, AHostImageWithoutUsablePixelsLeavesItWithoutATexture)
                   "assertion failed imageLock at OS/Mac/OpenGLImage line 34\n");
         EXPECT_EQ(image->getTextureID(), 0u);
         EXPECT_EQ(image->getSize(), (XY<int>{0, 0}));
+        EXPECT_FALSE(image->getPrimitivesRenderer(true));
         EXPECT_FALSE(OpenGLUtils::instance().copyToHost(image));
     }
 }
@@ -246,6 +247,7 @@ TEST_F(OpenGLImageTest, SizesAtTheEdges)
             << name;
         if (image) {
             EXPECT_EQ(image.dynamicCast<OpenGLImage>()->getTextureID() != 0, c.texture) << name;
+            EXPECT_EQ(static_cast<bool>(image->getPrimitivesRenderer(false)), c.texture) << name;
         }
     }
     Tq::Ptr<iGPUImage> narrow;

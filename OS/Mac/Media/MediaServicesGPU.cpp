@@ -4,7 +4,6 @@
 #include "OS/Mac/OpenGL/Contexts/OpenGLUtils.h"
 #include "OS/Mac/OpenGL/Images/GPUReadySurface.h"
 #include "OS/Mac/OpenGL/Images/OpenGLImage.h"
-#include "OS/Mac/OpenGL/Images/OpenGLTextureCache.h"
 
 namespace {
 
@@ -62,8 +61,7 @@ void MediaServices::resetGPUContext()
 
 void MediaServices::clearCaches()
 {
-    if (OpenGLUtils::isInitialised())
-        OpenGLTextureCache::instance().clear();
+    OpenGLUtils::clearCaches();
 }
 
 Tq::Ptr<iGPUImage3D> MediaServices::createGPUImage3D(const Tq::Ptr<iHostImage3D>&)

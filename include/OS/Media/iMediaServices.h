@@ -88,7 +88,8 @@ public:
     virtual Tq::Ptr<iCriticalSection> getGPULock() = 0;
     /// Makes no GL context current on the calling thread; quiet without GL.
     virtual void resetGPUContext() = 0;
-    /// Gives back the GPU's memory that is kept for later images; quiet without GL.
+    /// Gives back the GPU's memory that is kept for later images and later drawing; quiet without
+    /// GL.
     virtual void clearCaches() = 0;
     /// Always null: cubes of colours are the effects' to make.
     virtual Tq::Ptr<iGPUImage3D> createGPUImage3D(const Tq::Ptr<iHostImage3D>& image) = 0;

@@ -76,6 +76,10 @@ public:
     Tq::Ptr<iHostImage> copyToHost(unsigned int textureId, const XY<int>& size,
                                    unsigned int glType);
 
+    /// Gives back what is kept of textures for later images and later drawing; nothing where
+    /// OpenGLUtils is not built. Any thread.
+    static void clearCaches();
+
     /// What the driver says of itself; empty before OpenGLUtils is built. From any thread.
     static LightweightString<char> getVendor();
 

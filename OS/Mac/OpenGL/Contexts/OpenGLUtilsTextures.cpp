@@ -6,12 +6,14 @@
 #include "OS/Mac/Core/Assertion.h"
 #include "OS/Mac/OpenGL/Contexts/OpenGLContextProtector.h"
 #include "OS/Mac/OpenGL/Contexts/OpenGLSharedContext.h"
+#include "OS/Mac/OpenGL/Drawing/OpenGLGraphicPrimitivesRenderer.h"
 #include "OS/Mac/OpenGL/Images/OpenGLImage.h"
 #include "OS/Mac/OpenGL/Images/OpenGLTextureCache.h"
 #include "OS/Mac/Painting/QtImage.h"
 
 #include <OS.h>
 #include <OS/Core/iUtils.h>
+#include <OS/Primitives/iGraphicPrimitivesRenderer.h>
 #include <OS/Threads/CriticalSectionLock.h>
 
 namespace {
@@ -52,15 +54,17 @@ XY<int> OpenGLUtils::getTextureDimensions(unsigned int textureId)
 
 void OpenGLUtils::createBlackTexture()
 {
-    const Tq::Ptr<QtImage> black(new QtImage({256, 256}, QtImage::getDefaultFormat(), 1));
-    if (black->image())
-        black->image()->fill(Qt::black);
-    const Tq::Ptr<OpenGLImage> image(new OpenGLImage(black, iGPUImage::eARGB8));
-    if (image->getTextureID() != 0)
-        blackTexture_ = image;
-    else
+    Tq::Ptr<OpenGLImage> image(new OpenGLImage({256, 256}, iGPUImage::eARGB8));
+    const Tq::Ptr<iGraphicPrimitivesRenderer> renderer = image->getPrimitivesRenderer(true);
+    if (!renderer) {
         OSInternal::printTimed(OS()->utils()->elapsedTime(),
                                "OpenGLUtils::createBlackTexture() failed\n");
+        return;
+    }
+    RectDescription black;
+    black.rect_ = {0, 0, 256, 256};
+    renderer->render(black);
+    blackTexture_ = image;
 }
 
 Tq::Ptr<OpenGLImage> OpenGLUtils::getBlackTexture()
@@ -100,10 +104,21 @@ Tq::Ptr<iHostImage> OpenGLUtils::copyToHost(unsigned int textureId, const XY<int
     return host;
 }
 
+void OpenGLUtils::clearCaches()
+{
+    if (!isInitialised())
+        return;
+    OpenGLTextureCache::instance().clear();
+    const OpenGLContextProtector protector;
+    if (OpenGLContextProtector::hasContext())
+        OpenGLGraphicPrimitivesRenderer::clearCaches();
+}
+
 void OpenGLUtils::releaseTextures()
 {
     const OpenGLContextProtector protector(getSharedContext());
     blackTexture_.reset();
     textEffectsShader_.reset();
     OpenGLTextureCache::instance().clear();
+    OpenGLGraphicPrimitivesRenderer::shutdown();
 }

@@ -8,10 +8,9 @@
 #include "OS/Mac/OpenGL/Images/FramebufferBinding.h"
 #include "OS/Mac/OpenGL/Images/FramebufferNames.h"
 #include "OS/Mac/OpenGL/Images/HostUpload.h"
+#include "OS/Mac/OpenGL/Images/OpenGLImageRenderer.h"
 #include "OS/Mac/OpenGL/Images/OpenGLTextureCache.h"
 #include "OS/Mac/OpenGL/Images/TextureRelease.h"
-
-#include <OS/Primitives/iGraphicPrimitivesRenderer.h>
 
 #include <QGLFramebufferObject>
 #include <QOpenGLContext>
@@ -165,9 +164,11 @@ int OpenGLImage::getBitsPerPixel() const
     return PixelPacking(format_).bitsPerPixel();
 }
 
-Tq::Ptr<iGraphicPrimitivesRenderer> OpenGLImage::getPrimitivesRenderer(bool /*antialias*/)
+Tq::Ptr<iGraphicPrimitivesRenderer> OpenGLImage::getPrimitivesRenderer(bool antialias)
 {
-    return {};
+    if (!impl_)
+        return {};
+    return new OpenGLImageRenderer(Tq::Ptr<OpenGLImage>(this), antialias);
 }
 
 Tq::Ptr<iImage> OpenGLImage::createCompatibleImage(const XY<int>& size) const

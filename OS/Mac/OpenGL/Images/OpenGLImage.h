@@ -46,7 +46,8 @@ public:
 
     XY<int> getSize() const override { return size_; }
     int getBitsPerPixel() const override;
-    /// Null.
+    /// A renderer that holds the GL lock until it is released, on the calling thread. Coordinates
+    /// are texels. Null where there is no texture. See OpenGLImageRenderer.
     Tq::Ptr<iGraphicPrimitivesRenderer> getPrimitivesRenderer(bool antialias) override;
     /// In the same format.
     Tq::Ptr<iImage> createCompatibleImage(const XY<int>& size) const override;

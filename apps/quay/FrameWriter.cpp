@@ -1,8 +1,10 @@
 #include "FrameWriter.h"
 
+#include "Board.h"
 #include "Drawing/Scene.h"
 #include "Model/Gather.h"
 #include "common/PictureFile.h"
+#include "common/ScreenGrab.h"
 
 #include <OS.h>
 #include <OS/Threads/iThreadManager.h>
@@ -44,6 +46,23 @@ Text writeFrame(const BoardState& state, double scale, const Text& path)
         return L"a picture of this size cannot be made";
     drawBoard(state, resources, surface->getPrimitivesRenderer(true));
     return savePicture(surface, path);
+}
+
+Text grabFrame(BoardState state, const Text& path)
+{
+    const Point size = state.size;
+    Tq::Ptr<Board> board(new Board(std::move(state)));
+    return grabWindow(
+        size, board,
+        [&](const Tq::Ptr<iRootWindow>& window) {
+            board->attach(window, nullptr, {size, {0, 0}});
+        },
+        [&] { return board->hasDrawn(); },
+        [&] {
+            board->detach();
+            board.reset();
+        },
+        path);
 }
 
 } // namespace Quay

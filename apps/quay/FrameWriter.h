@@ -13,4 +13,8 @@ BoardData watch(int milliseconds);
 /// @return what went wrong, in one line, or nothing
 Text writeFrame(const BoardState& state, double scale, const Text& path);
 
+/// Shows the board in a window, without what is remembered, and writes what the screen shows of it.
+/// @return what went wrong, in one line, or nothing
+Text grabFrame(BoardState state, const Text& path);
+
 } // namespace Quay

@@ -1,6 +1,7 @@
 #include "Board.h"
 #include "CommandLine.h"
 #include "FrameWriter.h"
+#include "common/GraphicsReport.h"
 
 #include <OS.h>
 #include <OS/Core/iUtils.h>
@@ -63,7 +64,9 @@ int runFrame(const CommandOptions& options)
     const int milliseconds = options.seconds > 0 ? options.seconds * 1000 : 1000;
     state.data = watch(milliseconds);
     state.remake();
-    const Text failure = writeFrame(state, options.scale, options.frameFile);
+    const bool grabs = !options.grabFile.empty();
+    const Text failure = grabs ? grabFrame(std::move(state), options.grabFile)
+                               : writeFrame(state, options.scale, options.frameFile);
     return failure.empty() ? EXIT_SUCCESS : fail(failure, EXIT_FAILURE);
 }
 
@@ -77,7 +80,12 @@ int run(int count, const char* const* arguments)
         std::fputs(options.help ? kHelp : "quay " QUAY_VERSION "\n", stdout);
         return EXIT_SUCCESS;
     }
-    return options.frameFile.empty() ? runWindow(options) : runFrame(options);
+    if (options.glReport) {
+        App::printGraphicsReport(options.json);
+        return EXIT_SUCCESS;
+    }
+    return options.frameFile.empty() && options.grabFile.empty() ? runWindow(options)
+                                                                 : runFrame(options);
 }
 
 } // namespace

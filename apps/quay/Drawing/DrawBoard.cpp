@@ -129,10 +129,10 @@ void drawScrollBar(Scene& scene)
 } // namespace
 
 void drawBoard(const BoardState& state, Resources& resources,
-               const Tq::Ptr<iGraphicPrimitivesRenderer>& renderer)
+               const Tq::Ptr<iGraphicPrimitivesRenderer>& renderer, const LiveGraphs* live)
 {
     Canvas canvas(resources, renderer);
-    Scene scene{canvas, state, layoutOf(state)};
+    Scene scene{canvas, state, layoutOf(state), live};
     canvas.fill({0, 0, scene.layout.size.x, scene.layout.size.y}, Theme::kGround);
     canvas.clip(scene.layout.board);
     for (std::size_t i = 0; i < state.panels.size(); ++i)

@@ -63,12 +63,8 @@ struct RowDrawer
     void operator()(const GraphRow& row) const
     {
         canvas.fill(rect, kWell);
-        const Rect graph{rect.left, rect.top + kGraphText, rect.right, rect.bottom};
-        for (int quarter = 0; quarter < 4; ++quarter) {
-            const int y = graph.top + graph.height() * quarter / 4;
-            canvas.fill({graph.left, y, graph.right, y + 1}, Theme::mix(kWell, Theme::kTick, 0.3f));
-        }
-        drawHistory(canvas, row.history, graph, lookOf(row.tone), true);
+        if (!scene.live || !scene.live->has(at.panel, at.row))
+            drawGraph(canvas, row, graphRect(rect));
         const int width =
             canvas.textRight(row.value, rect.right - 8, rect.top + 21, Theme::kClock, Theme::kText);
         canvas.text(canvas.fitted(row.label, rect.width() - width - 32, Theme::kSmall),
@@ -265,6 +261,21 @@ const Theme::Gradient& lookOf(Tone tone)
 NormalisedRGB brightOf(Tone tone)
 {
     return Theme::mix(lookOf(tone).top, Theme::kWhite, 0.25f);
+}
+
+Rect graphRect(const Rect& row)
+{
+    return {row.left, row.top + kGraphText, row.right, row.bottom};
+}
+
+void drawGraph(Canvas& canvas, const GraphRow& row, const Rect& graph)
+{
+    canvas.fill(graph, kWell);
+    for (int quarter = 0; quarter < 4; ++quarter) {
+        const int y = graph.top + graph.height() * quarter / 4;
+        canvas.fill({graph.left, y, graph.right, y + 1}, Theme::mix(kWell, Theme::kTick, 0.3f));
+    }
+    drawHistory(canvas, row.history, graph, lookOf(row.tone), true);
 }
 
 void drawRow(Scene& scene, const Row& row, const Rect& rect, const Hit& at)

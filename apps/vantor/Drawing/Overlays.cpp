@@ -12,27 +12,35 @@ namespace {
 constexpr float kPlate = 0.58f;
 
 /// The corners of a frame only.
-void washCorners(Canvas& canvas, const Rect& r, int length, float alpha)
+void washCorners(Canvas& canvas, const Rect& r, int length, const NormalisedRGB& colour,
+                 float alpha)
 {
     for (const int y : {r.top, r.bottom - 1}) {
-        canvas.wash({r.left, y, r.left + length, y + 1}, Theme::kWhite, alpha);
-        canvas.wash({r.right - length, y, r.right, y + 1}, Theme::kWhite, alpha);
+        canvas.wash({r.left, y, r.left + length, y + 1}, colour, alpha);
+        canvas.wash({r.right - length, y, r.right, y + 1}, colour, alpha);
     }
     for (const int x : {r.left, r.right - 1}) {
-        canvas.wash({x, r.top + 1, x + 1, r.top + length}, Theme::kWhite, alpha);
-        canvas.wash({x, r.bottom - length, x + 1, r.bottom - 1}, Theme::kWhite, alpha);
+        canvas.wash({x, r.top + 1, x + 1, r.top + length}, colour, alpha);
+        canvas.wash({x, r.bottom - length, x + 1, r.bottom - 1}, colour, alpha);
     }
 }
 
 void drawSafeAreas(Canvas& canvas, const Rect& picture, const OverlayPlaces& places)
 {
-    canvas.washFrame(places.title, Theme::kWhite, 0.4f);
-    washCorners(canvas, places.action, std::max(4, picture.height() / 24), 0.4f);
-    const Point middle = centreOf(picture);
+    // A dark line beside each light one keeps it in sight on bright pictures.
+    const int corner = std::max(4, picture.height() / 24);
     const int arm = std::max(4, picture.height() / 40);
-    canvas.wash({middle.x - arm, middle.y, middle.x + arm + 1, middle.y + 1}, Theme::kWhite, 0.4f);
-    canvas.wash({middle.x, middle.y - arm, middle.x + 1, middle.y}, Theme::kWhite, 0.4f);
-    canvas.wash({middle.x, middle.y + 1, middle.x + 1, middle.y + arm + 1}, Theme::kWhite, 0.4f);
+    const Point middle = centreOf(picture);
+    const auto draw = [&](int offset, const NormalisedRGB& colour, float alpha) {
+        canvas.washFrame(inset(places.title, offset), colour, alpha);
+        washCorners(canvas, inset(places.action, offset), corner, colour, alpha);
+        const Point at{middle.x + offset, middle.y + offset};
+        canvas.wash({at.x - arm, at.y, at.x + arm + 1, at.y + 1}, colour, alpha);
+        canvas.wash({at.x, at.y - arm, at.x + 1, at.y}, colour, alpha);
+        canvas.wash({at.x, at.y + 1, at.x + 1, at.y + arm + 1}, colour, alpha);
+    };
+    draw(1, Theme::kBlack, 0.28f);
+    draw(0, Theme::kWhite, 0.5f);
 }
 
 } // namespace

@@ -37,6 +37,17 @@ Rect placeIn(const Point& size, const Showing& showing, double ratio)
     return placePicture(screen, screen, ratio, ViewerChoices());
 }
 
+/// Each worker has a maker of its own.
+FrameReader::Make makeDrawn()
+{
+    auto makers = std::make_shared<std::vector<std::unique_ptr<FrameMaker>>>();
+    for (int i = 0; i < kWorkers; ++i)
+        makers->push_back(std::make_unique<FrameMaker>());
+    return [makers](int worker, const FrameSpec& spec, int frame) {
+        return (*makers)[static_cast<std::size_t>(worker)]->make(spec, frame);
+    };
+}
+
 } // namespace
 
 struct Presenter::Shown
@@ -50,20 +61,12 @@ struct Presenter::Shown
     Point pixels;
 };
 
-Presenter::Presenter()
+Presenter::Presenter(FrameReader::Make make)
     : lock_(OS()->threadMgr()->createCriticalSection(0)),
       wake_(OS()->threadMgr()->createEvent(false, false, nullptr)), shown_(new Shown)
 {
-    // Each worker has a maker of its own.
-    auto makers = std::make_shared<std::vector<std::unique_ptr<FrameMaker>>>();
-    for (int i = 0; i < kWorkers; ++i)
-        makers->push_back(std::make_unique<FrameMaker>());
-    reader_ = std::make_unique<FrameReader>(
-        kWorkers, kFrames,
-        [makers](int worker, const FrameSpec& spec, int frame) {
-            return (*makers)[static_cast<std::size_t>(worker)]->make(spec, frame);
-        },
-        [this] { wake_->set(); });
+    reader_ = std::make_unique<FrameReader>(kWorkers, kFrames, make ? std::move(make) : makeDrawn(),
+                                            [this] { wake_->set(); });
     iThread::InitArgs args;
     args.func_ = run;
     args.arg_ = this;

@@ -39,7 +39,8 @@ struct Showing
 class Presenter
 {
 public:
-    Presenter();
+    /// @param make of frames, on threads of the reader's; null: FrameMaker's
+    explicit Presenter(FrameReader::Make make = nullptr);
     ~Presenter();
     Presenter(const Presenter&) = delete;
     Presenter& operator=(const Presenter&) = delete;

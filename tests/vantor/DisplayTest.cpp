@@ -1,0 +1,115 @@
+#include <OS.h>
+#include <OS/Core/iUtils.h>
+#include <OS/Media/iMediaServices.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// The program in a window, in a home of its own. Left out where there is no display.
+class DisplayTest : public testing::Test
+{
+protected:
+    DisplayTest() : home_(fs::temp_directory_path() / ("vantor-display" + std::to_string(getpid())))
+    {
+        fs::create_directories(home_);
+    }
+    ~DisplayTest() override { fs::remove_all(home_); }
+
+    void SetUp() override
+    {
+        const char* platform = std::getenv("QT_QPA_PLATFORM");
+        if (!std::getenv("DISPLAY") || (platform && std::string(platform) != "xcb"))
+            GTEST_SKIP() << "no display";
+    }
+    int run(const std::string& arguments)
+    {
+        const int status =
+            std::system(("HOME='" + home_.string() + "' '" VANTOR_PROGRAM "' '" VANTOR_MEDIA "' " +
+                         arguments + " >'" + (home_ / "output").string() + "'")
+                            .c_str());
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+    void choose(const std::string& settings)
+    {
+        const fs::path file = home_ / "Vantor/Preferences/UserSettings.txt";
+        fs::create_directories(file.parent_path());
+        std::ofstream(file) << "[Editor]\n" << settings << "\n\n";
+    }
+    /// What the last line of a run tells.
+    struct Told
+    {
+        int presented = -1;
+        int dropped = -1;
+        bool byGL = false;
+    };
+    Told told() const
+    {
+        std::ifstream file(home_ / "output");
+        Told result;
+        for (std::string line; std::getline(file, line);)
+            if (std::sscanf(line.c_str(), "vantor: %d frames presented, %d dropped",
+                            &result.presented, &result.dropped) == 2)
+                result.byGL = line.ends_with("by OpenGL");
+        return result;
+    }
+
+    fs::path home_;
+};
+
+TEST_F(DisplayTest, PlaysForThreeSeconds)
+{
+    ASSERT_EQ(run("--play --seconds 3"), 0);
+    EXPECT_GT(told().presented, 0);
+}
+
+TEST_F(DisplayTest, PlaysAtEveryRateRoundAndRound)
+{
+    for (int rate = 0; rate < 6; ++rate) {
+        choose("Loop=1\nRate=" + std::to_string(rate) + "\nTimeCode=1\nFrameNumber=1");
+        ASSERT_EQ(run("--play --at 30:20 --seconds 1"), 0) << rate;
+        EXPECT_GT(told().presented, 0) << rate;
+    }
+}
+
+TEST_F(DisplayTest, TheScreenShowsThePictureUnderThePlayhead)
+{
+    for (const char* scale : {"1", "1.5"}) {
+        ASSERT_EQ(setenv("QT_SCALE_FACTOR", scale, 1), 0);
+        const double ratio = std::atof(scale);
+        const std::string file = (home_ / "grab.png").string();
+        // 960 x 600 fits on the screen at either scale.
+        ASSERT_EQ(run("--at 26:10 --size 960x600 --grab '" + file + "'"), 0);
+        ASSERT_EQ(unsetenv("QT_SCALE_FACTOR"), 0);
+        const Tq::Ptr<iHostImage> image =
+            OS()->mediaServices()->loadImage(OS()->utils()->fromUTF8(file.c_str(), -1));
+        ASSERT_TRUE(image);
+        EXPECT_NEAR(image->getSize().x, 960 * ratio, 1);
+        const Tq::Ptr<iPixelGuard> guard = image->lock();
+        const auto pixel = [&](int x, int y) {
+            std::uint32_t value = 0;
+            std::memcpy(&value,
+                        guard->getPixels() + static_cast<int>(y * ratio) * guard->getStride() +
+                            static_cast<int>(x * ratio) * 4,
+                        4);
+            return value & 0xFFFFFF;
+        };
+        // The picture is 320 x 180, at the right of the bin: its first bars are grey and yellow.
+        bool bars = false;
+        for (int x = 300; x < 700 && !bars; ++x)
+            bars = pixel(x, 100) == 0xBFBFBF && pixel(x + 320 / 7, 100) == 0xBFBF00;
+        EXPECT_TRUE(bars) << "the test clip's bars at scale " << scale;
+    }
+}
+
+} // namespace

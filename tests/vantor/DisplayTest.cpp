@@ -88,7 +88,7 @@ TEST_F(DisplayTest, TheScreenShowsThePictureUnderThePlayhead)
         ASSERT_EQ(setenv("QT_SCALE_FACTOR", scale, 1), 0);
         const double ratio = std::atof(scale);
         const std::string file = (home_ / "grab.png").string();
-        // 960 x 600 fits on the screen at either scale.
+        // Fits on a screen of 1600 x 1000 at either scale.
         ASSERT_EQ(run("--at 26:10 --size 960x600 --grab '" + file + "'"), 0);
         ASSERT_EQ(unsetenv("QT_SCALE_FACTOR"), 0);
         const Tq::Ptr<iHostImage> image =

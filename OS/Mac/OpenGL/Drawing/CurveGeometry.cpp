@@ -6,6 +6,7 @@ namespace GLDrawing {
 namespace {
 
 constexpr int kMostPieces = 64;
+constexpr double kTolerance = 0.25; // pixels that a piece may be off the curve
 
 Point pointAt(const Point (&p)[4], double t)
 {
@@ -13,6 +14,32 @@ Point pointAt(const Point (&p)[4], double t)
     const double a = s * s * s, b = 3 * s * s * t, c = 3 * s * t * t, d = t * t * t;
     return {a * p[0].x + b * p[1].x + c * p[2].x + d * p[3].x,
             a * p[0].y + b * p[1].y + c * p[2].y + d * p[3].y};
+}
+
+Point derivativeAt(const Point (&p)[4], double t)
+{
+    const double s = 1 - t;
+    const double a = s * s, b = 2 * s * t, c = t * t;
+    return {3 * (a * (p[1].x - p[0].x) + b * (p[2].x - p[1].x) + c * (p[3].x - p[2].x)),
+            3 * (a * (p[1].y - p[0].y) + b * (p[2].y - p[1].y) + c * (p[3].y - p[2].y))};
+}
+
+Point secondDerivativeAt(const Point (&p)[4], double t)
+{
+    const double s = 1 - t;
+    return {6 * (s * (p[0].x - 2 * p[1].x + p[2].x) + t * (p[1].x - 2 * p[2].x + p[3].x)),
+            6 * (s * (p[0].y - 2 * p[1].y + p[2].y) + t * (p[1].y - 2 * p[2].y + p[3].y))};
+}
+
+// How long a piece may be where the curve bends as it does at t. Only what pulls it aside counts:
+// a change of speed does not take it off a straight line.
+double stepAt(const Point (&p)[4], double t)
+{
+    const Point speed = derivativeAt(p, t), pull = secondDerivativeAt(p, t);
+    const double length = std::hypot(speed.x, speed.y);
+    const double aside = length > 1e-6 ? std::abs(speed.x * pull.y - speed.y * pull.x) / length
+                                       : std::hypot(pull.x, pull.y);
+    return std::sqrt(8 * kTolerance / std::max(aside, 1e-9));
 }
 
 // The straight pieces of a curve: points that differ, and how far along the curve they lie.
@@ -86,15 +113,18 @@ public:
             a.move(-beyond);
         if (piece == strip_.count - 2)
             b.move(beyond);
-        const float sharpness = stroke_.isSoft ? 1.0f : kHardEdge;
-        const auto half = static_cast<float>(stroke_.isHairline ? 0.5 : stroke_.width / 2);
+        const double half = stroke_.isHairline ? 0.5 : stroke_.width / 2;
         const auto vertex = [&](const Side& s, int sign) {
-            const auto f = [](double value) { return static_cast<float>(value); };
-            quads_.push_back({f(s.place.x - sign * s.reach * s.direction.y),
-                              f(s.place.y + sign * s.reach * s.direction.x),
-                              f(sign * (half + 0.5)) * sharpness,
-                              f(s.along - strip_.length() / 2) * sharpness, half * sharpness,
-                              f(halfLength_) * sharpness, colour_});
+            LineVertex v{static_cast<float>(s.place.x - sign * s.reach * s.direction.y),
+                         static_cast<float>(s.place.y + sign * s.reach * s.direction.x),
+                         0,
+                         0,
+                         0,
+                         0,
+                         colour_};
+            setDistances(v, sign * (half + 0.5), s.along - strip_.length() / 2, half, halfLength_,
+                         stroke_.isSoft);
+            quads_.push_back(v);
         };
         vertex(a, -1);
         vertex(b, -1);
@@ -137,6 +167,20 @@ private:
     double halfLength_;
 };
 
+// Where the bend changes within a piece, the sharper end decides.
+void flatten(const Point (&points)[4], Strip& strip)
+{
+    constexpr double kShortest = 1.0 / kMostPieces, kLongest = 0.25;
+    double t = 0;
+    strip.add(points[0]);
+    while (t < 1 - kShortest / 2) {
+        double step = std::clamp(stepAt(points, t), kShortest, kLongest);
+        step = std::max(std::min(step, stepAt(points, std::min(t + step, 1.0))), kShortest);
+        t = t + step > 1 - kShortest / 2 ? 1.0 : t + step;
+        strip.add(pointAt(points, t));
+    }
+}
+
 bool touches(const Strip& strip, int piece, const Box& visible, double margin)
 {
     Point from = strip.points[piece], to = strip.points[piece + 1];
@@ -144,17 +188,6 @@ bool touches(const Strip& strip, int piece, const Box& visible, double margin)
 }
 
 } // namespace
-
-int piecesOf(const Point (&p)[4])
-{
-    const auto bend = [](Point a, Point b, Point c) {
-        return std::hypot(a.x - 2 * b.x + c.x, a.y - 2 * b.y + c.y);
-    };
-    constexpr double kTolerance = 0.25;
-    const double most = std::max(bend(p[0], p[1], p[2]), bend(p[1], p[2], p[3]));
-    const double pieces = std::ceil(std::sqrt(0.75 * most / kTolerance));
-    return static_cast<int>(std::clamp(pieces, 1.0, double(kMostPieces)));
-}
 
 void addCurve(std::vector<LineVertex>& quads, const Point (&points)[4], const Stroke& stroke,
               Colour colour, const Box& visible)
@@ -167,9 +200,7 @@ void addCurve(std::vector<LineVertex>& quads, const Point (&points)[4], const St
         return;
 
     Strip strip;
-    const int pieces = piecesOf(points);
-    for (int i = 0; i <= pieces; ++i)
-        strip.add(pointAt(points, static_cast<double>(i) / pieces));
+    flatten(points, strip);
     if (strip.count < 2)
         return;
     CurveQuads curve(quads, strip, stroke, colour);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "OS/Mac/OpenGL/Drawing/Programs.h"
+#include "OS/Mac/OpenGL/Drawing/QuadPainter.h"
 #include "OS/Mac/OpenGL/Drawing/Quads.h"
 #include "OS/Mac/OpenGL/Drawing/TextImages.h"
 #include "OS/Mac/OpenGL/Drawing/TexturePool.h"
@@ -30,6 +31,7 @@ public:
 
     Programs programs;
     GLuint vertexBuffer = 0;
+    QuadRun run; ///< what was drawn last, by any renderer
     TexturePool uploads{kMostUploadBytes};
     TextImages texts{kMostTextBytes};
 

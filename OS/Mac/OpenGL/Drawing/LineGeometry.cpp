@@ -25,12 +25,17 @@ struct Corner
 void addQuad(std::vector<LineVertex>& quads, const Corner (&corners)[4], double halfWidth,
              double halfLength, bool soft, Colour colour)
 {
-    const double sharpness = soft ? 1.0 : kHardEdge;
-    const auto f = [](double value) { return static_cast<float>(value); };
-    for (const Corner& corner : corners)
-        quads.push_back({f(corner.place.x), f(corner.place.y), f(corner.across * sharpness),
-                         f(corner.along * sharpness), f(halfWidth * sharpness),
-                         f(halfLength * sharpness), colour});
+    for (const Corner& corner : corners) {
+        LineVertex vertex{static_cast<float>(corner.place.x),
+                          static_cast<float>(corner.place.y),
+                          0,
+                          0,
+                          0,
+                          0,
+                          colour};
+        setDistances(vertex, corner.across, corner.along, halfWidth, halfLength, soft);
+        quads.push_back(vertex);
+    }
 }
 
 // The distances around a stroke of one width: how far its quads reach, and what that counts. Steps
@@ -60,6 +65,19 @@ Point hairlineShift(Point along, const Stroke& stroke)
 
 } // namespace
 
+void setDistances(LineVertex& vertex, double across, double along, double halfWidth,
+                  double halfLength, bool soft)
+{
+    const double steepness = soft ? 1.0 : static_cast<double>(kHardEdge);
+    const auto inside = [steepness](double distance) {
+        return static_cast<float>(distance * steepness + 0.5);
+    };
+    vertex.left = inside(halfWidth + across);
+    vertex.right = inside(halfWidth - across);
+    vertex.start = inside(halfLength + along);
+    vertex.end = inside(halfLength - along);
+}
+
 Stroke Stroke::of(int width, double ratio, bool soft)
 {
     const double pixels = width < 1 ? 1.0 : width * ratio;
@@ -83,10 +101,10 @@ void addBox(std::vector<LineVertex>& quads, const Box& box, Colour colour)
 {
     if (box.isEmpty())
         return;
-    constexpr float kInside = 1e6f;
+    constexpr float kInside = 1e3f;
     const auto vertex = [&](int x, int y) {
-        quads.push_back(
-            {static_cast<float>(x), static_cast<float>(y), 0.0f, 0.0f, kInside, kInside, colour});
+        quads.push_back({static_cast<float>(x), static_cast<float>(y), kInside, kInside, kInside,
+                         kInside, colour});
     };
     vertex(box.left, box.top);
     vertex(box.right, box.top);

@@ -23,8 +23,13 @@ struct Stroke
     static Stroke of(int width, double ratio, bool soft);
 };
 
-/// Half a pixel, times this, is where coverage ends; makes edges soft or hard.
+/// How many times steeper than a soft edge a hard one is.
 constexpr float kHardEdge = 4096.0f;
+
+/// Sets how far inside of its edges a vertex of a stroke is.
+/// @param across pixels from the centre line @param along pixels from the middle
+void setDistances(LineVertex& vertex, double across, double along, double halfWidth,
+                  double halfLength, bool soft);
 
 /// The pixels of a horizontal or vertical line: both ends count, and a wide one is as much longer
 /// as it is wide.
@@ -47,11 +52,8 @@ void addLine(std::vector<LineVertex>& quads, Point from, Point to, const Stroke&
 void addDots(std::vector<LineVertex>& quads, Point from, Point to, double ratio, double gap,
              Colour colour, const Box& visible);
 
-/// A cubic as a strip of quads, with square ends.
+/// A cubic as a strip of at most 64 quads, with square ends. The sharper it bends, the more.
 void addCurve(std::vector<LineVertex>& quads, const Point (&points)[4], const Stroke& stroke,
               Colour colour, const Box& visible);
-
-/// How many straight pieces a cubic needs to stay within a quarter of a pixel: 1 to 64.
-int piecesOf(const Point (&points)[4]);
 
 } // namespace GLDrawing

@@ -48,7 +48,7 @@ class OpenGLGraphicPrimitivesRendererBase::Shapes
 public:
     explicit Shapes(const OpenGLGraphicPrimitivesRendererBase& renderer)
         : resources_(DrawingResources::instance()),
-          painter_(renderer.target_, renderer.clip_, resources_.vertexBuffer),
+          painter_(renderer.target_, renderer.clip_, resources_.vertexBuffer, resources_.run),
           ratio_(renderer.target_.ratio), antialias_(renderer.antialias_), blend_(renderer.blend_)
     {
         resources_.fills.clear();
@@ -105,8 +105,7 @@ private:
     double ratio_;
     bool antialias_;
     bool blend_;
-    bool fading_ = false;      // of the fills collected
-    bool translucent_ = false; // likewise
+    bool translucent_ = false; // of the fills collected
     bool soft_ = false;        // likewise: some pixels are covered in part
 };
 
@@ -124,11 +123,10 @@ void OpenGLGraphicPrimitivesRendererBase::Shapes::flush()
 
 void OpenGLGraphicPrimitivesRendererBase::Shapes::flushFills(Blending blending)
 {
-    const auto shape = fading_ ? Programs::eFadingFill : Programs::eEvenFill;
-    if (!resources_.fills.empty() && painter_.use(resources_.programs.shape(shape)))
+    if (!resources_.fills.empty() && painter_.use(resources_.programs.shape(Programs::eFill)))
         painter_.draw(resources_.fills, blending);
     resources_.fills.clear();
-    fading_ = translucent_ = soft_ = false;
+    translucent_ = soft_ = false;
 }
 
 void OpenGLGraphicPrimitivesRendererBase::Shapes::flushLines(Blending blending)
@@ -184,14 +182,12 @@ void OpenGLGraphicPrimitivesRendererBase::Shapes::fill(const Tq::Rectangle<int>&
         addSoftFill(resources_.fills, mask);
         flushFills(Blending::eErase);
         addSoftFill(resources_.fills, fill);
-        fading_ = true;
         flushFills(Blending::eAdd);
         return;
     } else {
         addSoftFill(resources_.fills, fill);
         soft_ = true;
     }
-    fading_ = fading_ || top != bottom;
     translucent_ = translucent_ || !isOpaque(top) || !isOpaque(bottom);
 }
 

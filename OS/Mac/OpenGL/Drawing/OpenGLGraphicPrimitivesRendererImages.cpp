@@ -19,7 +19,8 @@ public:
     explicit Images(const OpenGLGraphicPrimitivesRendererBase& renderer)
         : target_(renderer.target_), targetTexture_(renderer.targetTexture_),
           resources_(DrawingResources::instance()),
-          painter_(target_, renderer.clip_, resources_.vertexBuffer), uploads_(resources_.uploads)
+          painter_(target_, renderer.clip_, resources_.vertexBuffer, resources_.run),
+          uploads_(resources_.uploads)
     {
         resources_.images.clear();
         resources_.scaledImages.clear();

@@ -85,28 +85,30 @@ const Program& Programs::makeShape(Shape shape)
         const char *definitions, *vertex, *fragment;
     };
     constexpr Source kSources[kShapes] = {
-        {"#define COLOUR FLAT\n", Shaders::kFillVertex, Shaders::kFillFragment},
-        {"#define COLOUR SMOOTH\n", Shaders::kFillVertex, Shaders::kFillFragment},
+        {"#define FILL\n", Shaders::kFillVertex, Shaders::kFillFragment},
         {"#define LINE\n", Shaders::kLineVertex, Shaders::kLineFragment},
         {"#define ELLIPSE\n", Shaders::kEllipseVertex, Shaders::kEllipseFragment},
         {"#define PIE\n", Shaders::kEllipseVertex, Shaders::kEllipseFragment},
     };
     const Source& source = kSources[shape];
-    shapes_[shape] = &find(source.definitions, source.vertex, source.fragment);
-    return *shapes_[shape];
+    Program& program = find(source.definitions, source.vertex, source.fragment);
+    program.isPlain = shape == eFill;
+    shapes_[shape] = &program;
+    return program;
 }
 
 const Program& Programs::image(const ImageProgram& kind)
 {
     if (!lastImage_ || !(kind == lastKind_)) {
-        lastImage_ = &find(kind.definitions(), Shaders::kImageVertex, Shaders::kImageFragment);
+        Program& program = find(kind.definitions(), Shaders::kImageVertex, Shaders::kImageFragment);
+        program.isPlain = kind.layout == ImageProgram::eWords && !kind.isScaled;
+        lastImage_ = &program;
         lastKind_ = kind;
     }
     return *lastImage_;
 }
 
-const Program& Programs::find(const std::string& definitions, const char* vertex,
-                              const char* fragment)
+Program& Programs::find(const std::string& definitions, const char* vertex, const char* fragment)
 {
     const auto found = all_.find(definitions);
     if (found != all_.end())

@@ -11,6 +11,8 @@ namespace GLDrawing {
 struct Program
 {
     GLuint name = 0; ///< 0: the driver refused it
+    /// It only fills or copies: a driver in software draws whole rectangles of it at once.
+    bool isPlain = false;
     GLint toClip = -1;
     GLint sharpness = -1;
     GLint opacity = -1;
@@ -57,8 +59,7 @@ public:
 
     enum Shape
     {
-        eEvenFill,
-        eFadingFill,
+        eFill,
         eLine,
         eEllipse,
         ePie,
@@ -75,7 +76,7 @@ public:
 
 private:
     const Program& makeShape(Shape shape);
-    const Program& find(const std::string& definitions, const char* vertex, const char* fragment);
+    Program& find(const std::string& definitions, const char* vertex, const char* fragment);
     Program make(const std::string& definitions, const char* vertex, const char* fragment);
     GLuint link(const std::string& definitions, const char* vertex, const char* fragment,
                 bool modern, std::string& complaint);

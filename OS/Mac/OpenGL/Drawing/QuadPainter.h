@@ -20,13 +20,21 @@ enum class Blending
     eMix    ///< replace a share of it: the opacity
 };
 
+/// Quads of one sort sent to GL in a row: plain ones (Program::isPlain), or others.
+struct QuadRun
+{
+    bool isPlain = false;
+    std::size_t quads = 0;
+};
+
 /// Streams quads to GL, cut to the clip region, while it lives: one call of a renderer. Afterwards
 /// GL's state is as the contexts have it: no program, no buffers, no blending, no scissor.
 class QuadPainter
 {
 public:
-    /// @param vertexBuffer of the sharing group
-    QuadPainter(const DrawingTarget& target, const ClipRegion& clip, GLuint vertexBuffer);
+    /// @param vertexBuffer of the sharing group @param run likewise
+    QuadPainter(const DrawingTarget& target, const ClipRegion& clip, GLuint vertexBuffer,
+                QuadRun& run);
     ~QuadPainter();
     QuadPainter(const QuadPainter&) = delete;
     QuadPainter& operator=(const QuadPainter&) = delete;
@@ -58,11 +66,13 @@ private:
     void draw(const void* vertices, std::size_t count, std::size_t vertexBytes,
               const Attribute* attributes, std::size_t attributeCount, Blending blending,
               float opacity);
+    void flushBeforeOtherSort(std::size_t quads);
     void setBlending(Blending blending, float opacity);
     void describe(std::size_t vertexBytes, const Attribute* attributes, std::size_t attributeCount);
 
     const DrawingTarget& target_;
     const ClipRegion& clip_;
+    QuadRun& run_;
     const Program* program_ = nullptr;
     const Attribute* layout_ = nullptr; // what GL was told last
     Blending blending_ = Blending::eNone;

@@ -41,15 +41,14 @@ struct FillVertex
     Colour colour;
 };
 
-/// A stroke's piece. Coverage is what the smaller of half - |distance| leaves, plus a half: the
-/// distances run from the centre line and from the middle, in pixels, or many times that for hard
-/// edges.
+/// A piece of a stroke: how far inside of its four edges a place is, in pixels, or many times that
+/// for hard edges. Coverage is the least of them, and a half; the half is in here.
 struct LineVertex
 {
     float x, y;
-    float across, along;
-    float halfWidth, halfLength; // equal at all four
-    Colour colour;               // equal at all four
+    float left, right; // of the centre line
+    float start, end;  // along it
+    Colour colour;     // equal at all four
 };
 
 /// An ellipse, filled up to the inner edge and outlined from there to the outer one.
@@ -113,8 +112,10 @@ inline LineVertex between(const LineVertex& a, const LineVertex& b, float t)
     LineVertex v = a;
     v.x = between(a.x, b.x, t);
     v.y = between(a.y, b.y, t);
-    v.across = between(a.across, b.across, t);
-    v.along = between(a.along, b.along, t);
+    v.left = between(a.left, b.left, t);
+    v.right = between(a.right, b.right, t);
+    v.start = between(a.start, b.start, t);
+    v.end = between(a.end, b.end, t);
     return v;
 }
 inline EllipseVertex between(const EllipseVertex& a, const EllipseVertex& b, float t)

@@ -25,11 +25,12 @@ inline constexpr char kOldFragmentHeader[] = R"(#version 120
 #define FLAT varying
 )";
 
-// COLOUR is SMOOTH or FLAT: even fills are drawn faster without interpolation.
+// Interpolated even where a fill has one colour: Mesa's fast path for rectangles takes no flat
+// inputs.
 inline constexpr char kFillVertex[] = R"(
 IN vec2 place;
 IN vec4 colour;
-COLOUR vec4 c;
+SMOOTH vec4 c;
 void main()
 {
     gl_Position = vec4(place * toClip.xy + toClip.zw, 0.0, 1.0);
@@ -37,7 +38,7 @@ void main()
 }
 )";
 inline constexpr char kFillFragment[] = R"(
-COLOUR vec4 c;
+SMOOTH vec4 c;
 void main()
 {
     gl_FragColor = c;
@@ -46,28 +47,24 @@ void main()
 
 inline constexpr char kLineVertex[] = R"(
 IN vec2 place;
-IN vec2 distances;
-IN vec2 halves;
+IN vec4 inside;
 IN vec4 colour;
-SMOOTH vec2 d;
-FLAT vec2 h;
+SMOOTH vec4 d;
 FLAT vec4 c;
 void main()
 {
     gl_Position = vec4(place * toClip.xy + toClip.zw, 0.0, 1.0);
-    d = distances;
-    h = halves + vec2(0.5);
+    d = inside;
     c = colour;
 }
 )";
 inline constexpr char kLineFragment[] = R"(
-SMOOTH vec2 d;
-FLAT vec2 h;
+SMOOTH vec4 d;
 FLAT vec4 c;
 void main()
 {
-    vec2 inside = h - abs(d);
-    gl_FragColor = c * clamp(min(inside.x, inside.y), 0.0, 1.0);
+    vec2 least = min(d.xy, d.zw);
+    gl_FragColor = c * clamp(min(least.x, least.y), 0.0, 1.0);
 }
 )";
 

@@ -12,9 +12,8 @@ namespace GLDrawing {
 
 /// Where the programs take their inputs.
 constexpr std::pair<const char*, GLuint> kAttributeNames[] = {
-    {"place", 0},      {"colour", 1},       {"distances", 2},  {"halves", 3},
-    {"fromCentre", 1}, {"inverseRadii", 2}, {"fillColour", 3}, {"lineColour", 4},
-    {"rays", 5},       {"source", 1},       {"limits", 2}};
+    {"place", 0},      {"colour", 1},     {"inside", 2}, {"fromCentre", 1}, {"inverseRadii", 2},
+    {"fillColour", 3}, {"lineColour", 4}, {"rays", 5},   {"source", 1},     {"limits", 2}};
 
 struct Attribute
 {
@@ -38,8 +37,7 @@ struct VertexLayout<LineVertex>
 {
     static constexpr Attribute kAttributes[] = {{0, 2, offsetof(LineVertex, x)},
                                                 {1, 4, offsetof(LineVertex, colour), true},
-                                                {2, 2, offsetof(LineVertex, across)},
-                                                {3, 2, offsetof(LineVertex, halfWidth)}};
+                                                {2, 4, offsetof(LineVertex, left)}};
 };
 template <>
 struct VertexLayout<EllipseVertex>

@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <gtest/gtest.h>
+#include <set>
 
 namespace {
 
@@ -77,6 +78,26 @@ class SomeEffect final : public iShaderEffectBase
 };
 
 } // namespace
+
+TEST(GLRenderer, SoftensEdgesUnlessToldNotTo)
+{
+    EllipseDescription desc;
+    desc.rect_ = {1, 1, 19, 19};
+    desc.fillColour_ = {1, 1, 1};
+    const auto levelsOf = [&](const DrawingRig::Code& code) {
+        const QImage drawn = DrawingRig(20, 20).withGL([&](iGraphicPrimitivesRenderer& r) {
+            code(r);
+            r.render(desc);
+        });
+        std::set<QRgb> levels;
+        for (int x = 0; x < 20; ++x)
+            for (int y = 0; y < 20; ++y)
+                levels.insert(drawn.pixel(x, y));
+        return levels.size();
+    };
+    EXPECT_GT(levelsOf([](iGraphicPrimitivesRenderer&) {}), 6u);
+    EXPECT_EQ(levelsOf([](iGraphicPrimitivesRenderer& r) { r.setAntialiasingEnabled(false); }), 2u);
+}
 
 TEST(GLRenderer, KeepsTheAlphaOfTextures)
 {

@@ -18,10 +18,10 @@ class QuadPainter;
 /// Draws descriptions with GL, as QtGraphicPrimitivesRenderer draws them with the toolkit: the same
 /// pixels, up to the rounding of colours and the softness of edges.
 ///
-/// Shared with that renderer, deliberately: it starts with antialiasing off, replacing what is
-/// there (alpha too); an alpha rectangle's blending stays for what follows until an image is drawn.
-/// Other than there an alpha rectangle always blends, and images are scaled where the two
-/// rectangles differ in size.
+/// Shared with that renderer, deliberately: it starts by replacing what is there (alpha too), and
+/// an alpha rectangle's blending stays for what follows until an image is drawn. Unlike there edges
+/// are soft from the start, an alpha rectangle always blends, text is always blended, and images
+/// are scaled where the two rectangles differ in size.
 ///
 /// Colours are premultiplied. Every call sets the GL state that it needs and leaves the contexts'
 /// own: other drawing may come between two calls. Under the GL lock, with the target's context and
@@ -79,6 +79,6 @@ private:
     GLDrawing::ClipRegion clip_;
     QRegion region_; // what clip_ was made of
     bool hasRegion_ = false;
-    bool antialias_ = false;
+    bool antialias_ = true;
     bool blend_ = false; // over what is there, or replacing it
 };

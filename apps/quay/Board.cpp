@@ -40,6 +40,7 @@ void Board::attach(Tq::Ptr<iRootWindow> window, Tq::Ptr<iSettings> settings,
         std::make_unique<VolumeReader>([target = window_.get()] { target->postUserMessage(); });
     oftenTimer_ = window_->createTimer(static_cast<unsigned int>(state_.preferences.refreshMs));
     seldomTimer_ = window_->createTimer(kSeldomMs);
+    live_.start();
     readAll();
     window_->setTitle(state_.data.system.application);
     const Point size = window_->getSize();

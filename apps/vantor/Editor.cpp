@@ -17,6 +17,7 @@ namespace {
 constexpr unsigned int kPlayTickMs = 10;
 constexpr unsigned int kFollowTickMs = 40; ///< where a video window shows the frames
 constexpr unsigned int kCaretMs = 530;
+constexpr unsigned int kFactsMs = 250;
 constexpr unsigned int kSaveMs = 800; ///< without a further change before it is saved
 constexpr int kLoadsPerFrame = 4;
 
@@ -95,6 +96,7 @@ void Editor::detach()
     settings_.reset();
     saveTimer_.reset();
     playTimer_.reset();
+    factsTimer_.reset();
     caretTimer_.reset();
     quitTimer_.reset();
     useTarget(std::make_unique<Resources>(1.0));
@@ -220,6 +222,8 @@ void Editor::keepTimers()
     } else if (!playTimer_) {
         playTimer_ = window_->createTimer(viewer_ ? kFollowTickMs : kPlayTickMs);
     }
+    if (!state_.player.playing() && (viewer_ || playsWhenDrawn_))
+        factsTimer_ = window_->createTimer(kFactsMs);
     if (!state_.editingText())
         caretTimer_.reset();
     else if (!caretTimer_)
@@ -238,10 +242,24 @@ void Editor::keepViewer()
     }
 }
 
-void Editor::play()
+// Frames are shown by another thread: the last of them is counted when nothing happens here.
+iEventHandler::eRC Editor::learnFacts()
 {
-    state_.player.shuttle(1);
-    changed();
+    factsTimer_.reset();
+    if (playsWhenDrawn_ && hasDrawn()) {
+        playsWhenDrawn_ = false;
+        state_.player.shuttle(1);
+        return changed();
+    }
+    if (viewer_) {
+        const ShownFrames before = state_.shown;
+        state_.shown = viewer_->facts();
+        if (!(state_.shown == before))
+            requestFrame();
+    }
+    if (playsWhenDrawn_ || (viewer_ && !viewer_->isSettled()))
+        factsTimer_ = window_->createTimer(kFactsMs);
+    return eContinue;
 }
 
 bool Editor::hasDrawn() const
@@ -376,6 +394,8 @@ iEventHandler::eRC Editor::handleTimer(const TimerEvent& event)
     } else if (isTick(saveTimer_, event)) {
         saveSession();
         return eContinue;
+    } else if (isTick(factsTimer_, event)) {
+        return learnFacts();
     } else if (isTick(caretTimer_, event)) {
         state_.caretShown = !state_.caretShown;
     } else if (isTick(playTimer_, event) || !window_) {

@@ -27,8 +27,8 @@ public:
     explicit Editor(EditorState state);
 
     const EditorState& state() const { return state_; }
-    /// Begins to play.
-    void play();
+    /// Begins to play as soon as the first picture is on the screen.
+    void playWhenDrawn() { playsWhenDrawn_ = true; }
     /// Whether what is to be seen is on the screen, as far as the editor can know.
     bool hasDrawn() const;
 
@@ -60,6 +60,7 @@ private:
     eRC changed();
     void keepTimers();
     void keepViewer();
+    eRC learnFacts();
     void keepCursor();
     void keepTitle();
     void keepSession();
@@ -86,11 +87,13 @@ private:
     bool frameRequested_ = false;
 
     Tq::Ptr<iTimer> playTimer_;
+    Tq::Ptr<iTimer> factsTimer_; ///< what was shown becomes known a moment later
     Tq::Ptr<iTimer> caretTimer_;
     Tq::Ptr<iTimer> quitTimer_;
     Tq::Ptr<iTimer> saveTimer_;
     PlayCount drawn_; ///< frames, where the editor draws them itself
     std::unique_ptr<Viewer> viewer_;
+    bool playsWhenDrawn_ = false;
 
     iMouseCursor::eStockCursor cursor_ = iMouseCursor::eArrow;
 };

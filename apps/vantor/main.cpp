@@ -146,7 +146,7 @@ int runLoop(EditorState state, const Session& session, const Tq::Ptr<iSettings>&
     if (line.seconds > 0)
         editor->quitAfter(line.seconds);
     if (line.play)
-        editor->play();
+        editor->playWhenDrawn();
 
     const int status = manager->startEventLoop();
     // The two hold each other; fonts and pictures go before the application does.

@@ -95,7 +95,9 @@ public:
     Statistics getStatistics() const override
     {
         Statistics statistics;
-        statistics.presented = screen_.count();
+        const std::uint64_t all = screen_.count();
+        statistics.dropped = std::min<std::uint64_t>(all, losesFirst);
+        statistics.presented = all - statistics.dropped;
         return statistics;
     }
     void resetStatistics() override {}
@@ -115,6 +117,7 @@ public:
     std::atomic<unsigned int> queued{0};
     std::atomic<int> width{640};
     std::atomic<bool> closed{false};
+    std::uint64_t losesFirst = 0; ///< frames, because it is not on the screen yet
 
 private:
     Screen& screen_;
@@ -193,6 +196,16 @@ TEST_F(PresenterTest, APictureThatStandsStillIsShownOnce)
     presenter_.show(showing_);
     EXPECT_TRUE(soon([&] { return screen_.count() > shown; }));
     EXPECT_EQ(presenter_.facts().dropped, 0u);
+}
+
+TEST_F(PresenterTest, APictureThatTheWindowLosesIsShownAgain)
+{
+    window_->losesFirst = 3;
+    presenter_.show(showing_);
+    EXPECT_TRUE(soon([&] { return presenter_.facts().settled; }));
+    EXPECT_EQ(screen_.count(), 4u);
+    EXPECT_EQ(presenter_.facts().presented, 1u);
+    EXPECT_EQ(presenter_.facts().dropped, 0u) << "nobody missed anything";
 }
 
 TEST_F(PresenterTest, FramesAreMadeAsLargeAsTheyAreSeen)

@@ -82,7 +82,7 @@ TEST(ViewerGeometryTest, OverlaysLieInsideEachOtherAtEverySize)
     for (const Point& size :
          {Point(3840, 2160), Point(1920, 1080), Point(533, 300), Point(240, 135)}) {
         const Rect picture{100, 50, 100 + size.x, 50 + size.y};
-        const OverlayPlaces places = placeOverlays(picture, 11, 5);
+        const OverlayPlaces places = placeOverlays(picture, picture, 11, 5);
         EXPECT_TRUE(inside(places.action, picture));
         EXPECT_TRUE(inside(places.title, places.action));
         EXPECT_NEAR(places.action.left - picture.left, size.x * 0.035, 1.0);
@@ -92,8 +92,14 @@ TEST(ViewerGeometryTest, OverlaysLieInsideEachOtherAtEverySize)
         EXPECT_FALSE(places.timeCode.intersection(places.frameNumber).hasArea());
         EXPECT_NEAR(middleOf(places.timeCode).x, middleOf(picture).x, 1);
     }
-    EXPECT_FALSE(placeOverlays({0, 0, 64, 36}, 11, 5).timeCode.hasArea())
+    EXPECT_FALSE(placeOverlays({0, 0, 64, 36}, {0, 0, 64, 36}, 11, 5).timeCode.hasArea())
         << "no plate covers a small picture";
+
+    const Rect large{-1000, -500, 2840, 1660};
+    const OverlayPlaces zoomed = placeOverlays(large, kScreen, 11, 5);
+    EXPECT_EQ(zoomed.title.left, large.left + 192) << "a part of the picture, seen or not";
+    EXPECT_TRUE(inside(zoomed.timeCode, kScreen)) << "words stay in sight";
+    EXPECT_TRUE(inside(zoomed.frameNumber, kScreen));
 }
 
 } // namespace

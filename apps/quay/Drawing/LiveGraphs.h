@@ -17,6 +17,8 @@ class LiveGraphs
 public:
     ~LiveGraphs() { close(); }
 
+    /// Brings OpenGL up, where it is to be had, so that everybody can ask about it.
+    void start() { windowFor(0); }
     /// Shows the graphs that are wholly to be seen; draws those that have changed.
     void show(const BoardState& state, const Layout& layout);
     /// Whether a row's graph is shown here.

@@ -80,7 +80,7 @@ void drawTestClip(Canvas& canvas, const Rect& rect, int frame, const FrameRate& 
     const int left = track.left + (track.width() - block) * place / lap;
     canvas.fill({left, track.top, left + block, track.bottom}, Theme::kTime);
 
-    const Theme::Type type{std::max(6, rect.height() * 9 / 100), false, true};
+    const Theme::Type type{std::max(6, rect.height() * 8 / 100), false, true};
     if (rect.height() < 120)
         return;
     const Rect line = partOf(rect, 70, 812, 930, 918);

@@ -132,8 +132,8 @@ void drawScreen(Scene& scene)
     canvas.clip(l.screen);
     drawComposition({canvas, scene.icons, scene.pictures, state.project, state.bin,
                      state.player.rate(), state.player.frame(), l.picture});
-    drawOverlays(canvas, l.picture, state.choices.viewer, state.player.frame(), state.player.rate(),
-                 [&](const Text& words, const Rect& plate, int height) {
+    drawOverlays(canvas, l.picture, l.screen, state.choices.viewer, state.player.frame(),
+                 state.player.rate(), [&](const Text& words, const Rect& plate, int height) {
                      const Theme::Type type{height, false, true};
                      canvas.textCentred(words, centreOf(plate).x, baselineIn(plate, type), type,
                                         Theme::kWhite);

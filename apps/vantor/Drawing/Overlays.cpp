@@ -45,13 +45,14 @@ void drawSafeAreas(Canvas& canvas, const Rect& picture, const OverlayPlaces& pla
 
 } // namespace
 
-void drawOverlays(Canvas& canvas, const Rect& picture, const ViewerChoices& choices, int frame,
-                  const FrameRate& rate, const WriteOn& write)
+void drawOverlays(Canvas& canvas, const Rect& picture, const Rect& screen,
+                  const ViewerChoices& choices, int frame, const FrameRate& rate,
+                  const WriteOn& write)
 {
     const Text time = Timecode::full(frame, rate);
     const Text number = decimal(frame, 5);
-    const OverlayPlaces places =
-        placeOverlays(picture, static_cast<int>(time.size()), static_cast<int>(number.size()));
+    const OverlayPlaces places = placeOverlays(picture, screen, static_cast<int>(time.size()),
+                                               static_cast<int>(number.size()));
     if (choices.safeAreas)
         drawSafeAreas(canvas, picture, places);
     if (choices.timeCode && places.timeCode.hasArea()) {

@@ -13,7 +13,9 @@ namespace Vantor {
 using WriteOn = std::function<void(const Text& words, const Rect& plate, int height)>;
 
 /// What lies over the viewer's picture: safe areas, time code and frame number, as chosen.
-void drawOverlays(Canvas& canvas, const Rect& picture, const ViewerChoices& choices, int frame,
-                  const FrameRate& rate, const WriteOn& write);
+/// @param screen what of the picture is seen
+void drawOverlays(Canvas& canvas, const Rect& picture, const Rect& screen,
+                  const ViewerChoices& choices, int frame, const FrameRate& rate,
+                  const WriteOn& write);
 
 } // namespace Vantor

@@ -19,6 +19,9 @@ namespace {
 constexpr int kWorkers = 2;
 constexpr std::size_t kFrames = 8; ///< ready and being made
 constexpr double kBusyMs = 1.0;    ///< until a window that is behind is asked again
+constexpr double kLookMs = 100.0;  ///< between looks at a window whose picture stands still
+constexpr double kFirstRetryMs = 20.0;
+constexpr double kLastRetryMs = 640.0;
 
 /// Pixels of the frame for a place on the screen: as fine as the screen, and no finer than the
 /// sequence.
@@ -59,6 +62,10 @@ struct Presenter::Shown
     bool sharp = false; ///< with the frame that was meant
     Tq::Ptr<iImage> image;
     Point pixels;
+    const iVideoWindow* window = nullptr;
+    std::uint64_t released = 0; ///< frames, in this window
+    std::uint64_t lost = 0;     ///< of them, as far as has been looked at
+    double retryMs = kFirstRetryMs;
 };
 
 Presenter::Presenter(FrameReader::Make make)
@@ -107,10 +114,9 @@ Presenter::Facts Presenter::facts() const
     iVideoWindow::Statistics now;
     if (showing_.window)
         now = showing_.window->getStatistics();
-    return {presentedBefore_ + now.presented, droppedBefore_ + now.dropped + count_.dropped(),
-            count_.rate(),
-            settledChanges_ == changes_ && showing_.window &&
-                showing_.window->getQueuedFrames() == 0};
+    const std::uint64_t dropped = droppedBefore_ + now.dropped + count_.dropped();
+    return {presentedBefore_ + now.presented, dropped - std::min(dropped, lostStanding_),
+            count_.rate(), settledChanges_ == changes_};
 }
 
 iThread::eExecRC Presenter::run(void* presenter)
@@ -144,13 +150,18 @@ void Presenter::loop()
 // @return how long there is nothing to do
 double Presenter::present(const Showing& showing)
 {
-    const double forever = std::numeric_limits<double>::infinity();
     if (!showing.window || showing.window->isClosed() || !showing.edit)
-        return forever;
+        return std::numeric_limits<double>::infinity();
+    if (shown_->window != showing.window.get()) {
+        const std::uint64_t changes = shown_->changes;
+        *shown_ = Shown();
+        shown_->changes = changes;
+        shown_->window = showing.window.get();
+    }
     const Point size = showing.window->getSize();
     const double ratio = showing.window->getPixelRatio();
     if (size.x <= 0 || size.y <= 0 || !(ratio > 0.0))
-        return forever;
+        return kLookMs;
     const Transport& transport = showing.transport;
     const double now = transport.now();
     const Point pixels = pixelsFor(placeIn(size, showing, ratio), ratio);
@@ -159,10 +170,10 @@ double Presenter::present(const Showing& showing)
 
     const std::int64_t tick = transport.ticksAt(now);
     const bool done = shown_->sharp && shown_->tick == tick && shown_->run == transport.run() &&
-                      shown_->windowSize == size;
-    const double wait = transport.nextChange(now) - now;
+                      shown_->windowSize == size && shown_->pixels == pixels;
+    const double wait = std::min(transport.nextChange(now) - now, kLookMs);
     if (done)
-        return wait;
+        return transport.playing() ? wait : settle(showing);
     const int frame = transport.frameAt(now);
     const bool ready = reader_->has(frame);
     const bool changed = shown_->tick < 0 || !(shown_->windowSize == size);
@@ -175,14 +186,37 @@ double Presenter::present(const Showing& showing)
         shown_->image = reader_->find(frame);
         shown_->pixels = pixels;
     }
-    draw(showing, shown_->image, shown_->pixels, frame);
+    if (draw(showing, shown_->image, shown_->pixels, frame))
+        ++shown_->released;
     shown_->sharp = ready;
     shown_->tick = tick;
     shown_->run = transport.run();
     shown_->windowSize = size;
     if (ready)
         count(showing, tick, now);
-    return transport.nextChange(now) - transport.now();
+    return transport.playing() ? transport.nextChange(now) - transport.now() : kBusyMs;
+}
+
+// A window that is not on the screen yet, or not any more, loses what it is given. What stands
+// still is given again until it is seen, less and less often.
+double Presenter::settle(const Showing& showing)
+{
+    const iVideoWindow::Statistics now = showing.window->getStatistics();
+    if (now.presented + now.dropped < shown_->released)
+        return kBusyMs;
+    const bool isLost = now.dropped > shown_->lost;
+    const CriticalSectionLock held(lock_);
+    if (!isLost) {
+        shown_->retryMs = kFirstRetryMs;
+        settledChanges_ = shown_->changes;
+        return kLookMs;
+    }
+    lostStanding_ += now.dropped - shown_->lost;
+    shown_->lost = now.dropped;
+    shown_->tick = -1;
+    const double wait = shown_->retryMs;
+    shown_->retryMs = std::min(2.0 * wait, kLastRetryMs);
+    return wait;
 }
 
 bool Presenter::draw(const Showing& showing, const Tq::Ptr<iImage>& image, const Point& pixels,
@@ -202,8 +236,8 @@ bool Presenter::draw(const Showing& showing, const Tq::Ptr<iImage>& image, const
         canvas.stretched(image, pixels, picture, false);
     else
         canvas.fill(picture, Theme::kBlack);
-    drawOverlays(canvas, picture, showing.choices, frame, showing.transport.rate(),
-                 [&](const Text& words, const Rect& plate, int height) {
+    drawOverlays(canvas, picture, {0, 0, size.x, size.y}, showing.choices, frame,
+                 showing.transport.rate(), [&](const Text& words, const Rect& plate, int height) {
                      digits_.write(canvas, words, plate, height, ratio);
                  });
     return true;
@@ -213,7 +247,6 @@ void Presenter::count(const Showing& showing, std::int64_t tick, double ms)
 {
     const CriticalSectionLock held(lock_);
     count_.show(showing.transport.run(), tick, ms, showing.transport.playing());
-    settledChanges_ = shown_->changes;
 }
 
 } // namespace Vantor

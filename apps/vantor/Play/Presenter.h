@@ -54,7 +54,7 @@ public:
         std::uint64_t presented = 0;
         std::uint64_t dropped = 0;
         double rate = 0.0;    ///< frames a second while playing; 0: unknown
-        bool settled = false; ///< what is to be seen has been handed to the window
+        bool settled = false; ///< a picture that stands still is on the screen
     };
     Facts facts() const;
 
@@ -65,18 +65,20 @@ private:
     void loop();
     Showing current() const;
     double present(const Showing& showing);
+    double settle(const Showing& showing);
     bool draw(const Showing& showing, const Tq::Ptr<iImage>& image, const Point& pixels, int frame);
     void count(const Showing& showing, std::int64_t tick, double ms);
 
     const Tq::Ptr<iCriticalSection> lock_;
     const Tq::Ptr<iThreadEvent> wake_;
     std::atomic<bool> ends_{false};
-    Showing showing_; ///< under lock_, and so the next five
+    Showing showing_; ///< under lock_, and so the next six
     std::uint64_t changes_ = 0;
     std::uint64_t settledChanges_ = 0;
     PlayCount count_;
     std::uint64_t presentedBefore_ = 0; ///< in windows that were left
     std::uint64_t droppedBefore_ = 0;
+    std::uint64_t lostStanding_ = 0; ///< and shown again: not counted as dropped
 
     // On the thread only.
     Resources resources_{1.0};

@@ -24,11 +24,7 @@ public:
     /// Device pixels for each logical one.
     double ratio() const;
     /// Whether what was shown last is on the screen, as far as it can be known.
-    bool isSettled() const
-    {
-        const Presenter::Facts facts = presenter_.facts();
-        return facts.settled && facts.presented > 0;
-    }
+    bool isSettled() const { return presenter_.facts().settled; }
 
 private:
     explicit Viewer(Tq::Ptr<iVideoWindow> window) : window_(std::move(window)) {}

@@ -87,6 +87,8 @@ struct ShownFrames
     std::uint64_t dropped = 0;
     double rate = 0.0; ///< frames a second while playing; 0: unknown
     bool byGL = false; ///< in a video window
+
+    friend bool operator==(const ShownFrames&, const ShownFrames&) = default;
 };
 
 /// Everything that the editor shows and edits: plain data.

@@ -9,6 +9,7 @@ namespace {
 
 constexpr int kSmallestDigit = 9;
 constexpr int kLargestDigit = 44;
+constexpr double kTitleSafe = 0.05;
 
 /// Logical pixels of the picture at a fixed zoom.
 Point sizeAt(ViewerZoom zoom, double ratio)
@@ -23,6 +24,13 @@ Rect aroundCentre(const Rect& room, const Point& size)
     const int left = room.left + (room.width() - size.x) / 2;
     const int top = room.top + (room.height() - size.y) / 2;
     return {left, top, left + size.x, top + size.y};
+}
+
+Rect insetBy(const Rect& r, double part)
+{
+    const auto x = static_cast<int>(std::lround(r.width() * part));
+    const auto y = static_cast<int>(std::lround(r.height() * part));
+    return {r.left + x, r.top + y, r.right - x, r.bottom - y};
 }
 
 /// A plate for digits that are 0.6 times as wide as high.
@@ -60,26 +68,24 @@ int zoomPercent(int width, double ratio)
     return static_cast<int>(std::lround(100.0 * width * ratio / kSequenceSize.x));
 }
 
-OverlayPlaces placeOverlays(const Rect& picture, int timeCodeLetters, int frameNumberLetters)
+OverlayPlaces placeOverlays(const Rect& picture, const Rect& screen, int timeCodeLetters,
+                            int frameNumberLetters)
 {
-    const auto insetBy = [&](double part) {
-        const auto x = static_cast<int>(std::lround(picture.width() * part));
-        const auto y = static_cast<int>(std::lround(picture.height() * part));
-        return Rect{picture.left + x, picture.top + y, picture.right - x, picture.bottom - y};
-    };
     OverlayPlaces places;
-    places.action = insetBy(0.035);
-    places.title = insetBy(0.05);
-    places.digit = std::clamp(picture.height() / 20, kSmallestDigit, kLargestDigit);
+    places.action = insetBy(picture, 0.035);
+    places.title = insetBy(picture, kTitleSafe);
+    const Rect seen = picture.intersection(screen);
+    const Rect room = insetBy(seen, kTitleSafe);
+    places.digit = std::clamp(seen.height() / 20, kSmallestDigit, kLargestDigit);
     const int gap = places.digit / 2;
     const Point time = plateSize(timeCodeLetters, places.digit);
     const Point number = plateSize(frameNumberLetters, places.digit);
-    const int left = (picture.left + picture.right - time.x) / 2;
-    const int bottom = places.title.bottom - gap;
-    if (time.x + 2 * gap <= places.title.width() && 5 * time.y <= picture.height()) {
+    const int left = (seen.left + seen.right - time.x) / 2;
+    const int bottom = room.bottom - gap;
+    if (time.x + 2 * gap <= room.width() && 5 * time.y <= seen.height()) {
         places.timeCode = {left, bottom - time.y, left + time.x, bottom};
-        const int right = places.title.right - gap;
-        const int top = places.title.top + gap;
+        const int right = room.right - gap;
+        const int top = room.top + gap;
         places.frameNumber = {right - number.x, top, right, top + number.y};
     }
     return places;

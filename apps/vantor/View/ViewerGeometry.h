@@ -20,7 +20,7 @@ Point soundShift(const Rect& screen, double ratio, const ViewerChoices& choices)
 /// Percent of the sequence's size at which a picture of a width is shown.
 int zoomPercent(int width, double ratio);
 
-/// What is drawn over a picture, as shares of it that hold at every size.
+/// What is drawn over a picture: the areas as shares of it, the plates within what of it is seen.
 struct OverlayPlaces
 {
     Rect action;      ///< what every screen shows: 3.5 % from each edge
@@ -29,6 +29,7 @@ struct OverlayPlaces
     Rect frameNumber; ///< a plate, top right; likewise
     int digit = 0;    ///< height of the digits on the plates
 };
-OverlayPlaces placeOverlays(const Rect& picture, int timeCodeLetters, int frameNumberLetters);
+OverlayPlaces placeOverlays(const Rect& picture, const Rect& screen, int timeCodeLetters,
+                            int frameNumberLetters);
 
 } // namespace Vantor

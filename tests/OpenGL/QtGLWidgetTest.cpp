@@ -220,6 +220,8 @@ TEST_F(QtGLWidgetTest, DrawsItsPictureAgainWhenItsContentsAreLost)
 TEST_F(QtGLWidgetTest, IsShownAgainByAFrameOnceItHasBeenExposed)
 {
     const auto widget = makeWidget();
+    drawFrame(*widget, kRed, kGreen);
+    ASSERT_TRUE(waitFor([&] { return showsFrame(*widget, kRed, kGreen); }));
     widget->hide();
     drawFrame(*widget, kRed, kGreen);
     finishUpdater();
@@ -238,7 +240,9 @@ TEST_F(QtGLWidgetTest, IsShownAgainByAFrameOnceItHasBeenExposed)
 TEST_F(QtGLWidgetTest, LeavesInputToItsParent)
 {
     const auto widget = makeWidget();
-    EXPECT_EQ(QApplication::widgetAt(widget->mapToGlobal(QPoint(50, 50))), window.get());
+    EXPECT_TRUE(waitFor([&] {
+        return QApplication::widgetAt(widget->mapToGlobal(QPoint(50, 50))) == window.get();
+    }));
     EXPECT_TRUE(widget->windowHandle()->flags() & Qt::WindowTransparentForInput);
 }
 

@@ -179,7 +179,8 @@ std::string FaultTrap::faults()
 void FaultTrap::note(const std::string& fault)
 {
     const std::lock_guard lock(faultGuard);
-    faultLines += fault + "\n";
+    if (faultLines.size() < 2000)
+        faultLines += fault + "\n";
 }
 
 // -- The window

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/BackgroundThread.h"
+
 #include "OS/Mac/OpenGL/Widgets/GLRenderTarget.h"
 #include "OS/Mac/OpenGL/Widgets/QtGLWidgetPrimitivesBatch.h"
 
@@ -103,9 +105,15 @@ public:
     RecordingTarget(const RecordingTarget&) = delete;
     RecordingTarget& operator=(const RecordingTarget&) = delete;
 
+    /// Has the next drawing wait until unblock().
+    void block() { blocked_ = true; }
+    void unblock() { gate_.open(); }
+
     bool beginRender() override
     {
         lock_.lock();
+        if (blocked_.exchange(false))
+            gate_.wait();
         log_.note("begin");
         return ready;
     }
@@ -124,6 +132,8 @@ public:
 private:
     CallLog& log_;
     std::recursive_mutex lock_;
+    std::atomic<bool> blocked_{false};
+    Gate gate_;
     Tq::Ptr<RenderTargetState> state_{new RenderTargetState};
 };
 

@@ -4,6 +4,7 @@
 #include "OS/Mac/Core/Assertion.h"
 #include "OS/Mac/OpenGL/Contexts/OpenGLUtils.h"
 #include "OS/Mac/OpenGL/Widgets/QtGLWidgetPool.h"
+#include "OS/Mac/OpenGL/Widgets/VideoWindow.h"
 #include "OS/Mac/Painting/QtFont.h"
 #include "OS/Mac/Painting/QtRegion.h"
 #include "OS/Mac/Windowing/EventPump.h"
@@ -109,14 +110,16 @@ Tq::Ptr<iStatusWindow> QtWindowManager::createStatusWindow()
     return StatusWindow::make();
 }
 
-Tq::Ptr<iVideoWindow> QtWindowManager::createVideoWindow(const XY<int>&, const XY<int>&)
+Tq::Ptr<iVideoWindow> QtWindowManager::createVideoWindow(const XY<int>& position,
+                                                         const XY<int>& size)
 {
-    return nullptr;
+    QWidget* root = QtRootWindow::latestWidget();
+    return root ? VideoWindow::makeInside(*root, position, size) : nullptr;
 }
 
 Tq::Ptr<iVideoWindow> QtWindowManager::createVideoWindowFullscreen()
 {
-    return nullptr;
+    return VideoWindow::makeFullscreen(QtRootWindow::latestWidget());
 }
 
 void QtWindowManager::getAvailableFonts(std::set<LightweightString<wchar_t>>& names)
@@ -160,6 +163,7 @@ int QtWindowManager::startEventLoop()
 
 void QtWindowManager::shutdown()
 {
+    VideoWindow::shutdown();
     rootWindow_.reset();
     cursor_.reset();
     QtGLWidgetPool::instance().shutdown();

@@ -41,8 +41,13 @@ private:
 
 GLBackBufferGuard::GLBackBufferGuard(GLRenderTarget* target, const XY<int>& size,
                                      Tq::Ptr<FrameReceiver> receiver)
-    : size_(size), target_(target), state_(target ? target->getState() : nullptr),
-      receiver_(std::move(receiver))
+    : GLBackBufferGuard(target, target ? target->getState() : nullptr, size, std::move(receiver))
+{
+}
+
+GLBackBufferGuard::GLBackBufferGuard(GLRenderTarget* target, Tq::Ptr<RenderTargetState> state,
+                                     const XY<int>& size, Tq::Ptr<FrameReceiver> receiver)
+    : size_(size), target_(target), state_(std::move(state)), receiver_(std::move(receiver))
 {
 }
 

@@ -28,6 +28,9 @@ public:
     /// @param receiver takes the frame; null queues it on the updater
     GLBackBufferGuard(GLRenderTarget* target, const XY<int>& size,
                       Tq::Ptr<FrameReceiver> receiver = nullptr);
+    /// For a target that may have gone by now. @param state the target's
+    GLBackBufferGuard(GLRenderTarget* target, Tq::Ptr<RenderTargetState> state, const XY<int>& size,
+                      Tq::Ptr<FrameReceiver> receiver);
     ~GLBackBufferGuard() override;
     GLBackBufferGuard(const GLBackBufferGuard&) = delete;
     GLBackBufferGuard& operator=(const GLBackBufferGuard&) = delete;

@@ -233,7 +233,7 @@ void QtGLWidget::paintEvent(QPaintEvent*)
         bind();
         return;
     }
-    if (!testAttribute(Qt::WA_WState_Visible))
+    if (!testAttribute(Qt::WA_WState_Visible) && !keptHidden_)
         setVisible(true);
 }
 

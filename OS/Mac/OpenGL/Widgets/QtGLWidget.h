@@ -58,6 +58,9 @@ public:
     bool isBound() const { return bound_.load(std::memory_order_acquire); }
     /// Reads size and ratio anew, for the other threads. The widget's own events do so too.
     void noteMeasures();
+    /// Has paint events show the widget no more while it is hidden on purpose: one that the window
+    /// system sent before it was hidden may come after.
+    void keepHidden(bool keep) { keptHidden_ = keep; }
     /// Forgets the last batch: it is not drawn again. Takes the GL lock: waits for a drawing in
     /// progress.
     void forgetPicture();
@@ -85,6 +88,7 @@ private:
 
     const Tq::Ptr<RenderTargetState> state_;
     std::atomic<bool> bound_{false};
+    bool keptHidden_ = false;
     bool exposed_ = false;                 // sticky
     std::atomic<bool> exposedOnce_{false}; // exposed_, for the updater
     std::atomic<bool> exposedNow_{false};

@@ -66,6 +66,7 @@ Tq::Ptr<QtGLWidget> QtGLWidgetPool::take(List::iterator found)
     Pooled taken = std::move(*found);
     pooled_.erase(found);
     QObject::disconnect(taken.parentGone);
+    taken.widget->keepHidden(false);
     return taken.widget;
 }
 
@@ -79,6 +80,7 @@ void QtGLWidgetPool::insert(Tq::Ptr<QtGLWidget> widget)
         return;
     }
     widget->forgetPicture();
+    widget->keepHidden(true);
     widget->setVisible(false);
 
     Pooled one{widget, {}};

@@ -4,7 +4,6 @@
 #include "OS/Mac/OpenGL/Contexts/GL.h"
 
 #include "OS/Mac/OpenGL/Contexts/OpenGLContextProtector.h"
-#include "OS/Mac/OpenGL/Contexts/OpenGLRenderContext.h"
 #include "OS/Mac/OpenGL/Contexts/OpenGLSharedContext.h"
 #include "OS/Mac/OpenGL/Images/FramebufferNames.h"
 
@@ -171,8 +170,7 @@ TEST_P(OpenGLImageRendererTest, OutlivesItsContextsTurns)
     OpenGLUtils::resetContext(); // a client may
     fill(*renderer, {0, 0, 8, 16}, {0, 1, 0});
     {
-        OpenGLRenderContext another;
-        const OpenGLContextProtector protector(another);
+        const OpenGLContextProtector protector(OpenGLUtils::getSharedContext());
         fill(*renderer, {0, 0, 4, 16}, {0, 0, 1});
     }
     fill(*renderer, {0, 0, 2, 16}, {1, 1, 1});
@@ -210,7 +208,6 @@ TEST_P(OpenGLImageRendererTest, EightThreadsDrawAndReadWithContextsOfTheirOwn)
     EXPECT_EQ(wrong, 0);
 
     // The threads have ended, with their contexts: what they drew is there, and goes cleanly.
-    fill(*makeImage({40, 8})->getPrimitivesRenderer(false), {0, 0, 40, 8}, {0, 0, 0});
     for (int i = 0; i < kThreads; ++i) {
         const auto& image = handedOver[i];
         EXPECT_EQ(textureOf(image).pixel(15, 15), qRgb(kRounds - 1, i, 255));

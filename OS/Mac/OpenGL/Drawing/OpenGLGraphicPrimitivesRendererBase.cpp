@@ -138,7 +138,7 @@ void OpenGLGraphicPrimitivesRendererBase::Shapes::flushLines(Blending blending)
 
 void OpenGLGraphicPrimitivesRendererBase::Shapes::setSharpness(const Program& program)
 {
-    glUniform1f(program.sharpness, antialias_ ? 1.0f : kHardEdge);
+    setUniform(program.sharpness, antialias_ ? 1.0f : kHardEdge);
 }
 
 void OpenGLGraphicPrimitivesRendererBase::Shapes::flushEllipses(Blending blending)

@@ -189,12 +189,12 @@ void OpenGLGraphicPrimitivesRendererBase::Images::flush()
     const ImageSource& source = run_.source;
     const Program& program = resources_.programs.image(source.program);
     if (painter_.use(program)) {
-        glUniform2f(program.perPixel, source.perPixelX, source.perPixelY);
+        setUniform(program.perPixel, source.perPixelX, source.perPixelY);
         if (source.program.hasOpacity)
-            glUniform1f(program.opacity, run_.opacity);
+            setUniform(program.opacity, run_.opacity);
         if (source.program.layout != ImageProgram::eWords)
-            glUniform2f(program.texels, static_cast<float>(source.texels.x),
-                        static_cast<float>(source.texels.y));
+            setUniform(program.texels, static_cast<float>(source.texels.x),
+                       static_cast<float>(source.texels.y));
         const TextureInUse texture(source.texture,
                                    !run_.isScaled || source.program.layout != ImageProgram::eWords);
         painter_.draw(resources_.images, run_.blending, run_.opacity);

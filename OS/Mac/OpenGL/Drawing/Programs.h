@@ -44,6 +44,24 @@ struct ImageProgram
     friend bool operator==(const ImageProgram&, const ImageProgram&) = default;
 };
 
+/// Gives a program a value. Contexts share their programs, and a driver may take no notice of a
+/// value that another context gave last, although this one still draws with an older value of its
+/// own: so every value comes after a different one.
+template <class... Values>
+void setUniform(GLint location, Values... values)
+{
+    const GLfloat given[] = {values...};
+    GLfloat different[sizeof...(values)] = {};
+    different[0] = given[0] == 0.0f ? 1.0f : 0.0f;
+    for (const GLfloat* value : {static_cast<const GLfloat*>(different), given})
+        if constexpr (sizeof...(values) == 1)
+            glUniform1fv(location, 1, value);
+        else if constexpr (sizeof...(values) == 2)
+            glUniform2fv(location, 1, value);
+        else
+            glUniform4fv(location, 1, value);
+}
+
 /// The programs of one sharing group, each made when it is first asked for.
 ///
 /// In version 1.30 of the language, or 1.20 where that is all there is. A source that the driver

@@ -35,7 +35,8 @@ bool QuadPainter::use(const Program& program)
     if (program_ != &program) {
         program_ = &program;
         glUseProgram(program.name);
-        glUniform4fv(program.toClip, 1, target_.toClip().data());
+        const auto [scaleX, scaleY, addX, addY] = target_.toClip();
+        setUniform(program.toClip, scaleX, scaleY, addX, addY);
     }
     return true;
 }

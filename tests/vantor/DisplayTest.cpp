@@ -32,10 +32,10 @@ protected:
         if (!std::getenv("DISPLAY") || (platform && std::string(platform) != "xcb"))
             GTEST_SKIP() << "no display";
     }
-    int run(const std::string& arguments)
+    int run(const std::string& arguments, const std::string& media = VANTOR_MEDIA)
     {
         const int status =
-            std::system(("HOME='" + home_.string() + "' '" VANTOR_PROGRAM "' '" VANTOR_MEDIA "' " +
+            std::system(("HOME='" + home_.string() + "' '" VANTOR_PROGRAM "' '" + media + "' " +
                          arguments + " >'" + (home_ / "output").string() + "'")
                             .c_str());
         return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
@@ -80,6 +80,63 @@ TEST_F(DisplayTest, PlaysAtEveryRateRoundAndRound)
         ASSERT_EQ(run("--play --at 30:20 --seconds 1"), 0) << rate;
         EXPECT_GT(told().presented, 0) << rate;
     }
+}
+
+/// Pictures of one colour each, which tells their number.
+std::uint32_t colourOf(int frame)
+{
+    return 0xFF000000u | static_cast<std::uint32_t>(frame * 5) << 16 |
+           static_cast<std::uint32_t>(250 - frame * 5) << 8 | 0x40u;
+}
+
+void writeSequence(const fs::path& folder, int count)
+{
+    fs::create_directories(folder);
+    const Tq::Ptr<iHostImage> image = OS()->mediaServices()->createHostSurface({320, 180});
+    for (int frame = 0; frame < count; ++frame) {
+        const Tq::Ptr<iPixelGuard> guard = image->lock();
+        for (int y = 0; y < 180; ++y)
+            for (int x = 0; x < 320; ++x) {
+                const std::uint32_t colour = colourOf(frame);
+                std::memcpy(guard->getPixels() + y * guard->getStride() + x * 4, &colour, 4);
+            }
+        const std::string name = "shot_" + std::to_string(1000 + frame) + ".png";
+        OS()->mediaServices()->saveImage(image,
+                                         OS()->utils()->fromUTF8((folder / name).c_str(), -1));
+    }
+}
+
+/// How many pixels of a picture file have a colour.
+int countOf(const std::string& file, std::uint32_t colour)
+{
+    const Tq::Ptr<iHostImage> image =
+        OS()->mediaServices()->loadImage(OS()->utils()->fromUTF8(file.c_str(), -1));
+    const Tq::Ptr<iPixelGuard> guard = image ? image->lock() : nullptr;
+    int count = 0;
+    for (int y = 0; guard && y < guard->getSize().y; ++y)
+        for (int x = 0; x < guard->getSize().x; ++x) {
+            std::uint32_t value = 0;
+            std::memcpy(&value, guard->getPixels() + y * guard->getStride() + x * 4, 4);
+            count += ((value ^ colour) & 0xFFFFFF) == 0;
+        }
+    return count;
+}
+
+TEST_F(DisplayTest, ASequenceShowsEachPictureAtItsTime)
+{
+    writeSequence(home_ / "shots", 50);
+    const std::string media = (home_ / "shots").string();
+    const std::string file = (home_ / "grab.png").string();
+    for (const int frame : {0, 24, 49}) {
+        ASSERT_EQ(
+            run("--size 960x600 --at " + std::to_string(frame) + " --grab '" + file + "'", media),
+            0);
+        EXPECT_GT(countOf(file, colourOf(frame)), 20000) << frame;
+        EXPECT_EQ(countOf(file, colourOf(frame + 1)), 0) << frame;
+    }
+    choose("Loop=1\nRate=5");
+    ASSERT_EQ(run("--play --seconds 2", media), 0);
+    EXPECT_GT(told().presented, 0);
 }
 
 TEST_F(DisplayTest, TheScreenShowsThePictureUnderThePlayhead)

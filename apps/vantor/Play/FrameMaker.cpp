@@ -12,7 +12,7 @@ namespace Vantor {
 
 namespace {
 
-constexpr std::int64_t kPixels = 16LL << 20; ///< of the still pictures that a thread keeps
+constexpr std::int64_t kPixels = 6LL << 20; ///< of the still pictures that a thread keeps
 
 } // namespace
 

@@ -70,10 +70,10 @@ struct Presenter::Shown
 
 Presenter::Presenter(FrameReader::Make make)
     : lock_(OS()->threadMgr()->createCriticalSection(0)),
-      wake_(OS()->threadMgr()->createEvent(false, false, nullptr)), shown_(new Shown)
+      wake_(OS()->threadMgr()->createSemaphore(0, 0)), shown_(new Shown)
 {
     reader_ = std::make_unique<FrameReader>(kWorkers, kFrames, make ? std::move(make) : makeDrawn(),
-                                            [this] { wake_->set(); });
+                                            [this] { wake_->release(); });
     iThread::InitArgs args;
     args.func_ = run;
     args.arg_ = this;
@@ -84,7 +84,7 @@ Presenter::Presenter(FrameReader::Make make)
 Presenter::~Presenter()
 {
     ends_ = true;
-    wake_->set();
+    wake_->release();
     thread_->waitForCompletion(iWaitable::kNoTimeOut);
     reader_.reset();
 }
@@ -105,7 +105,7 @@ void Presenter::show(const Showing& showing)
         showing_ = showing;
         ++changes_;
     }
-    wake_->set();
+    wake_->release();
 }
 
 Presenter::Facts Presenter::facts() const
@@ -143,6 +143,9 @@ void Presenter::loop()
             break;
         wake_->wait(std::isfinite(wait) ? static_cast<unsigned int>(std::max(1.0, std::floor(wait)))
                                         : iWaitable::kNoTimeOut);
+        // One look sees everything that is new.
+        while (wake_->wait(0) == iWaitable::eWaitSignalled)
+            continue;
     }
     shown_->image.reset();
 }

@@ -6,8 +6,8 @@
 #include "Model/ViewerChoices.h"
 #include "Play/FrameReader.h"
 
+#include <OS/Threads/iSemaphore.h>
 #include <OS/Threads/iThread.h>
-#include <OS/Threads/iThreadEvent.h>
 #include <OS/Windowing/iVideoWindow.h>
 
 #include <atomic>
@@ -70,7 +70,7 @@ private:
     void count(const Showing& showing, std::int64_t tick, double ms);
 
     const Tq::Ptr<iCriticalSection> lock_;
-    const Tq::Ptr<iThreadEvent> wake_;
+    const Tq::Ptr<iSemaphore> wake_; ///< a unit for each thing that may be new
     std::atomic<bool> ends_{false};
     Showing showing_; ///< under lock_, and so the next six
     std::uint64_t changes_ = 0;

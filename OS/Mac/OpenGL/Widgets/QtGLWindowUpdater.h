@@ -21,6 +21,7 @@ public:
     QtGLWindowUpdater& operator=(const QtGLWindowUpdater&) = delete;
 
     /// Moves a context, current nowhere, to the updater's thread. Waits for that thread to start.
+    /// The contexts of widgets that have gone before are destroyed there.
     /// On the thread that the context belongs to.
     /// @return false after shutdown()
     bool bind(QGLContext* context);
@@ -29,8 +30,8 @@ public:
     /// Drops every task that has not begun and waits for those in progress, whichever widget they
     /// are for. Not with the GL lock or any lock that a task takes; from a task it does not wait.
     void clear();
-    /// Ends the thread after its tasks in progress. On the thread of the event loop, without the GL
-    /// lock. A second call does nothing.
+    /// Ends the thread after the tasks that are queued and the end of the contexts it owns. On the
+    /// thread of the event loop, without the GL lock. A second call does nothing.
     void shutdown();
 
 private:

@@ -71,6 +71,7 @@ TEST_F(DisplayTest, PlaysForThreeSeconds)
 {
     ASSERT_EQ(run("--play --seconds 3"), 0);
     EXPECT_GT(told().presented, 0);
+    EXPECT_TRUE(told().byGL);
 }
 
 TEST_F(DisplayTest, PlaysAtEveryRateRoundAndRound)

@@ -72,12 +72,6 @@ std::string ImageProgram::definitions() const
     return text;
 }
 
-Programs::~Programs()
-{
-    for (const auto& [definitions, program] : all_)
-        glDeleteProgram(program.name);
-}
-
 const Program& Programs::makeShape(Shape shape)
 {
     struct Source

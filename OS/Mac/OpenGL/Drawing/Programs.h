@@ -65,15 +65,14 @@ void setUniform(GLint location, Values... values)
 /// The programs of one sharing group, each made when it is first asked for.
 ///
 /// In version 1.30 of the language, or 1.20 where that is all there is. A source that the driver
-/// refuses prints "OpenGLGraphicPrimitivesRenderer : %s\n" with the driver's words, once.
+/// refuses prints "OpenGLGraphicPrimitivesRenderer : %s\n" with the driver's words, once. They go
+/// with the group: Mesa crashes in a context that has drawn with a program which another deletes.
 class Programs
 {
 public:
     Programs() = default;
     Programs(const Programs&) = delete;
     Programs& operator=(const Programs&) = delete;
-    /// With a context of the group current.
-    ~Programs();
 
     enum Shape
     {

@@ -180,12 +180,13 @@ enum Part
     eTexts,
     eImages,
     eHostImages,
+    eSingles, // one description for each call, of changing kinds
     eAll
 };
 
 bool has(Part wanted, Part part)
 {
-    return wanted == part || (wanted == eAll && part != eHostImages);
+    return wanted == part || (wanted == eAll && part != eHostImages && part != eSingles);
 }
 
 void drawThrough(iGraphicPrimitivesRenderer& r, const Scene& scene, Part part)
@@ -208,6 +209,11 @@ void drawThrough(iGraphicPrimitivesRenderer& r, const Scene& scene, Part part)
         all(r, scene.images);
     if (has(part, eHostImages))
         all(r, scene.hostImages);
+    for (std::size_t i = 0; has(part, eSingles) && i < scene.texts.size(); ++i) {
+        r.render(scene.solids[i]);
+        r.render(scene.lines[i]);
+        r.render(scene.texts[i]);
+    }
 }
 
 void paintEllipse(QPainter& p, const EllipseDescription& desc)
@@ -272,11 +278,17 @@ void paint(QPaintDevice& device, const Scene& scene, Part part)
     if (has(part, eCurves))
         for (const auto& desc : scene.curves)
             paintCurve(p, desc);
-    if (has(part, eTexts)) {
-        p.setFont(scene.font);
+    p.setFont(scene.font);
+    const auto text = [&](std::size_t i) {
         p.setPen(Qt::white);
-        for (std::size_t i = 0; i < scene.texts.size(); ++i)
-            p.drawText(scene.texts[i].pos_.x, scene.texts[i].pos_.y, scene.strings[i]);
+        p.drawText(scene.texts[i].pos_.x, scene.texts[i].pos_.y, scene.strings[i]);
+    };
+    for (std::size_t i = 0; has(part, eTexts) && i < scene.texts.size(); ++i)
+        text(i);
+    for (std::size_t i = 0; has(part, eSingles) && i < scene.texts.size(); ++i) {
+        p.fillRect(toQRect(scene.solids[i].rect_), toQColor(scene.solids[i].topColour_));
+        paintLine(p, scene.lines[i]);
+        text(i);
     }
     if (has(part, eImages) || has(part, eHostImages))
         paintImages(p, scene);
@@ -399,6 +411,7 @@ int main()
         comparePart(frames, "300 texts", eTexts, 0.65, 2.0);
         comparePart(frames, "50 images", eImages, 0.40, 4.5);
         comparePart(frames, "50 host images", eHostImages, 0.0, 0.0);
+        comparePart(frames, "300 times a rectangle, a line, a text", eSingles, 0.0, 0.0);
         comparePart(frames, "whole frame", eAll, 0.33, 0.9);
         const Tq::Ptr<iRegion> clip = twelveBoxes();
         for (const auto& [name, part] : {std::pair("gradients in 12 boxes", eGradients),

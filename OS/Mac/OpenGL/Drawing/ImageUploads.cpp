@@ -49,6 +49,8 @@ HostPixels::HostPixels(const iHostImage& image)
     view_ = QImage(
         pixels->getPixels(), guard_->getSize().x, guard_->getSize().y, guard_->getStride(),
         image.isAlphaPreMultiplied() ? QImage::Format_ARGB32_Premultiplied : QImage::Format_ARGB32);
+    if (view_.bytesPerLine() % 4 != 0)
+        view_ = view_.copy(); // GL counts from row to row in pixels
 }
 
 void ImageUploads::announce(const iHostImage& image, const Tq::Rectangle<int>& part)

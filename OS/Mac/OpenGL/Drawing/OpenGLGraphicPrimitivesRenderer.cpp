@@ -27,7 +27,7 @@ GLuint drawnTexture()
 DrawingTarget currentTarget(const XY<int>& logicalSize, double ratio, bool firstRowAtBottom)
 {
     DrawingTarget target;
-    target.ratio = ratio > 0.0 && std::isfinite(ratio) ? ratio : 1.0;
+    target.ratio = ratio >= 1.0 / 64 && ratio <= 64.0 ? ratio : 1.0;
     GLint viewport[4] = {};
     glGetIntegerv(GL_VIEWPORT, viewport);
     target.left = viewport[0];

@@ -13,7 +13,8 @@ class OpenGLGraphicPrimitivesRenderer final : public OpenGLGraphicPrimitivesRend
 {
 public:
     /// @param logicalSize of the target, pixels of descriptions
-    /// @param ratio the target's pixels for each of them, exactly; below 0 or no number counts as 1
+    /// @param ratio the target's pixels for each of them, exactly; what is not between 1/64 and 64
+    /// counts as 1
     OpenGLGraphicPrimitivesRenderer(const XY<int>& logicalSize, double ratio,
                                     eOrientation orientation);
     ~OpenGLGraphicPrimitivesRenderer() override;

@@ -34,10 +34,11 @@ int periodOf(double ratio)
 struct Place
 {
     Place(int place, int period)
-        : phase(((place % period) + period) % period), origin(place - phase)
+        : phase(((place % period) + period) % period), origin(double(place) - phase)
     {
     }
-    int phase, origin;
+    int phase;
+    double origin;
 };
 
 // Far enough around a text's box for what glyphs, halo and underline draw outside of it.

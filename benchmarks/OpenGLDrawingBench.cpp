@@ -41,6 +41,8 @@ struct Scene
     std::vector<BezierCurveDescription> curves;
     std::vector<TextDescription> texts;
     std::vector<ImageDescription> images, hostImages;
+    ImageDescription filling;
+    QImage fillingPicture;
     std::vector<QString> strings; // of the texts
     std::vector<QImage> pictures; // of the images
     QFont font;
@@ -138,6 +140,13 @@ void addImages(Scene& scene, Numbers& n)
         textures.push_back(new OpenGLImage(hosts.back(), iGPUImage::eARGB8));
         scene.pictures.push_back(*host->image());
     }
+    const Tq::Ptr<QtImage> large = new QtImage({1920, 1080}, QtImage::getDefaultFormat(), 1);
+    large->image()->fill(0xFF336699);
+    scene.fillingPicture = *large->image();
+    scene.filling.image_ = new OpenGLImage(Tq::Ptr<iHostImage>(large), iGPUImage::eARGB8);
+    scene.filling.sourceROI_ = {0, 0, 1920, 1080};
+    scene.filling.destROI_ = {0, 0, kWidth, kHeight};
+    scene.filling.blend_ = false;
     for (int i = 0; i < 50; ++i) {
         const int x = n.from(0, kWidth - 256), y = n.from(0, kHeight - 256);
         ImageDescription image;
@@ -180,13 +189,14 @@ enum Part
     eTexts,
     eImages,
     eHostImages,
+    eFilling, // one picture, scaled to the frame
     eSingles, // one description for each call, of changing kinds
     eAll
 };
 
 bool has(Part wanted, Part part)
 {
-    return wanted == part || (wanted == eAll && part != eHostImages && part != eSingles);
+    return wanted == part || (wanted == eAll && part < eHostImages);
 }
 
 void drawThrough(iGraphicPrimitivesRenderer& r, const Scene& scene, Part part)
@@ -209,6 +219,8 @@ void drawThrough(iGraphicPrimitivesRenderer& r, const Scene& scene, Part part)
         all(r, scene.images);
     if (has(part, eHostImages))
         all(r, scene.hostImages);
+    if (has(part, eFilling))
+        r.render(scene.filling);
     for (std::size_t i = 0; has(part, eSingles) && i < scene.texts.size(); ++i) {
         r.render(scene.solids[i]);
         r.render(scene.lines[i]);
@@ -292,6 +304,10 @@ void paint(QPaintDevice& device, const Scene& scene, Part part)
     }
     if (has(part, eImages) || has(part, eHostImages))
         paintImages(p, scene);
+    if (has(part, eFilling)) {
+        p.setRenderHint(QPainter::SmoothPixmapTransform);
+        p.drawImage(QRect(0, 0, kWidth, kHeight), scene.fillingPicture);
+    }
 }
 
 // Milliseconds of the process's time.
@@ -411,6 +427,7 @@ int main()
         comparePart(frames, "300 texts", eTexts, 0.65, 2.0);
         comparePart(frames, "50 images", eImages, 0.40, 4.5);
         comparePart(frames, "50 host images", eHostImages, 0.0, 0.0);
+        comparePart(frames, "1080p scaled to the frame", eFilling, 0.0, 0.0);
         comparePart(frames, "300 times a rectangle, a line, a text", eSingles, 0.0, 0.0);
         comparePart(frames, "whole frame", eAll, 0.33, 0.9);
         const Tq::Ptr<iRegion> clip = twelveBoxes();

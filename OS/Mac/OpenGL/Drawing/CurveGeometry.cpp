@@ -47,20 +47,22 @@ struct Strip
 {
     Point points[kMostPieces + 1];
     double along[kMostPieces + 1];
-    int count = 0;
+    int count = 1;
 
+    explicit Strip(Point start)
+    {
+        points[0] = start;
+        along[0] = 0;
+    }
     void add(Point point)
     {
-        double distance = 0;
-        if (count > 0) {
-            const Point& last = points[count - 1];
-            const double step = std::hypot(point.x - last.x, point.y - last.y);
-            if (step < 1e-6)
-                return;
-            distance = along[count - 1] + step;
-        }
+        const Point& last = points[count - 1];
+        const double step = std::hypot(point.x - last.x, point.y - last.y);
+        if (step < 1e-6)
+            return;
         points[count] = point;
-        along[count++] = distance;
+        along[count] = along[count - 1] + step;
+        ++count;
     }
     // The direction of the piece that starts at a point, of length 1.
     Point direction(int piece) const
@@ -172,7 +174,6 @@ void flatten(const Point (&points)[4], Strip& strip)
 {
     constexpr double kShortest = 1.0 / kMostPieces, kLongest = 0.25;
     double t = 0;
-    strip.add(points[0]);
     while (t < 1 - kShortest / 2) {
         double step = std::clamp(stepAt(points, t), kShortest, kLongest);
         step = std::max(std::min(step, stepAt(points, std::min(t + step, 1.0))), kShortest);
@@ -199,7 +200,7 @@ void addCurve(std::vector<LineVertex>& quads, const Point (&points)[4], const St
         bottom < visible.top - margin || top > visible.bottom + margin)
         return;
 
-    Strip strip;
+    Strip strip(points[0]);
     flatten(points, strip);
     if (strip.count < 2)
         return;

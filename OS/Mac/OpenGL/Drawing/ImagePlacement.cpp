@@ -144,23 +144,37 @@ double ImagePlacement::sourceY(double y) const
            (y - dest_.top) * (source_.bottom - source_.top) / (dest_.bottom - dest_.top);
 }
 
+bool ImagePlacement::takesInAll(const XY<int>& size) const
+{
+    return isNear(limits_.left, 0) && isNear(limits_.top, 0) && isNear(limits_.right, size.x) &&
+           isNear(limits_.bottom, size.y);
+}
+
+// Where nothing is scaled the middles of pixels come out as the middles of texels.
 void ImagePlacement::addTo(std::vector<ImageVertex>& quads) const
 {
-    const auto f = [](double value) { return static_cast<float>(value); };
-    const float left = f(std::round(dest_.left)), right = f(std::round(dest_.right));
-    const float top = f(std::round(dest_.top)), bottom = f(std::round(dest_.bottom));
-    const float u0 = f(std::round(source_.left)), u1 = f(std::round(source_.right));
-    const float v0 = f(std::round(source_.top)), v1 = f(std::round(source_.bottom));
-    quads.push_back({left, top, u0, v0});
-    quads.push_back({right, top, u1, v0});
-    quads.push_back({right, bottom, u1, v1});
-    quads.push_back({left, bottom, u0, v1});
+    const Box box = destBox();
+    if (box.isEmpty())
+        return;
+    const auto vertex = [&](int x, int y) {
+        quads.push_back({static_cast<float>(x), static_cast<float>(y),
+                         static_cast<float>(sourceX(x)), static_cast<float>(sourceY(y))});
+    };
+    vertex(box.left, box.top);
+    vertex(box.right, box.top);
+    vertex(box.right, box.bottom);
+    vertex(box.left, box.bottom);
+}
+
+Box ImagePlacement::destBox() const
+{
+    return {nearestEdge(dest_.left), nearestEdge(dest_.top), nearestEdge(dest_.right),
+            nearestEdge(dest_.bottom)};
 }
 
 void ImagePlacement::addTo(std::vector<ScaledImageVertex>& quads) const
 {
-    const Box box{nearestEdge(dest_.left), nearestEdge(dest_.top), nearestEdge(dest_.right),
-                  nearestEdge(dest_.bottom)};
+    const Box box = destBox();
     if (box.isEmpty())
         return;
     // The middles of the outermost pixels; of a part of one pixel, its own middle.

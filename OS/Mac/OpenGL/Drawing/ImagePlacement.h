@@ -38,6 +38,10 @@ public:
     /// Each pixel of the image covers exactly one of the target's.
     bool isOneToOne() const;
 
+    /// Softening may look at everything that an image of that size has: the driver's own limit, its
+    /// edges, is enough.
+    bool takesInAll(const XY<int>& size) const;
+
     void addTo(std::vector<ImageVertex>& quads) const;
     void addTo(std::vector<ScaledImageVertex>& quads) const;
 
@@ -52,6 +56,7 @@ private:
     }
     void cutSource(const Area& area);
     void cutDest(const Area& area);
+    Box destBox() const;
     double sourceX(double x) const;
     double sourceY(double y) const;
 

@@ -86,6 +86,7 @@ ImageSource ImageSource::of(const iImageBase* image)
     if (const auto* gpuImage = dynamic_cast<const iGPUImage*>(image))
         source.program = programOf(gpuImage->getFormat());
     const auto* glImage = dynamic_cast<const iOpenGLImage*>(image);
+    source.endsAtEdges = glImage != nullptr;
     const auto* sized = dynamic_cast<const iImage*>(image);
     source.texels = glImage ? glImage->getPhysicalSize() : sizeOfTexture(texture->getTextureID());
     const XY<int> logical = sized ? sized->getSize() : source.texels;
@@ -108,6 +109,7 @@ ImageSource ImageSource::of(const UploadedPart& part)
 {
     ImageSource source;
     source.texture = part.texture;
+    source.endsAtEdges = true;
     source.size = source.texels = part.part.size();
     source.perPixelX = 1.0f / static_cast<float>(source.size.x);
     source.perPixelY = 1.0f / static_cast<float>(source.size.y);

@@ -20,6 +20,7 @@ struct ImageSource
     float scaleY = 1.0f;
     float perPixelX = 1.0f; ///< what the program counts for each pixel
     float perPixelY = 1.0f;
+    bool endsAtEdges = false; ///< softening repeats the outermost texels, instead of the other side
     ImageProgram program;
 
     /// Of an image on the GPU; null and others have no texture.

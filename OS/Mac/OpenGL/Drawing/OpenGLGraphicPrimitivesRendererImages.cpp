@@ -142,6 +142,9 @@ void OpenGLGraphicPrimitivesRendererBase::Images::add(const ImageSource& source,
                                                       float opacity)
 {
     Run run{source, Blending::eNone, std::clamp(opacity, 0.0f, 1.0f), !placement.isOneToOne()};
+    const bool needsLimits =
+        run.isScaled && !(source.program.layout == ImageProgram::eWords && source.endsAtEdges &&
+                          placement.takesInAll(source.size));
     if (!(opacity > 0.0f))
         run.opacity = 0.0f; // not a number, too
     if (blend)
@@ -149,10 +152,10 @@ void OpenGLGraphicPrimitivesRendererBase::Images::add(const ImageSource& source,
             source.program.isOpaque && run.opacity == 1.0f ? Blending::eNone : Blending::eOver;
     else
         run.blending = run.opacity == 1.0f ? Blending::eNone : Blending::eMix;
-    run.source.program.isScaled = run.isScaled;
+    run.source.program.isScaled = needsLimits;
     run.source.program.hasOpacity = run.blending == Blending::eOver && run.opacity != 1.0f;
     start(run);
-    if (run.isScaled)
+    if (needsLimits)
         placement.addTo(resources_.scaledImages);
     else
         placement.addTo(resources_.images);

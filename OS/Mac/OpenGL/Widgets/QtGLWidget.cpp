@@ -246,7 +246,21 @@ void QtGLWidget::resizeEvent(QResizeEvent* event)
     if (QWindow* window = windowHandle(); window && !event->spontaneous())
         window->resize(event->size());
     noteMeasures();
+    uncover(QRect(pos(), event->oldSize()));
     queueResize(*event);
+}
+
+void QtGLWidget::moveEvent(QMoveEvent* event)
+{
+    uncover(QRect(event->oldPos(), size()));
+    QGLWidget::moveEvent(event);
+}
+
+// The parent's picture has nothing where the widget was: the toolkit spares the drawing there.
+void QtGLWidget::uncover(const QRect& place)
+{
+    if (!isWindow() && parentWidget())
+        parentWidget()->update(place);
 }
 
 void QtGLWidget::queueResize(const QResizeEvent& event)
@@ -309,6 +323,7 @@ void QtGLWidget::hideEvent(QHideEvent* event)
     if (!event->spontaneous()) {
         shown_.store(false, std::memory_order_release);
         exposedNow_.store(false, std::memory_order_release);
+        uncover(geometry());
     }
     QGLWidget::hideEvent(event);
 }

@@ -70,6 +70,7 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    void moveEvent(QMoveEvent* event) override;
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
     void initializeGL() override;
@@ -79,6 +80,7 @@ protected:
 
 private:
     void bind();
+    void uncover(const QRect& place);
     void takeSize();
     bool swapTaken();
     void queueResize(const QResizeEvent& event);

@@ -310,15 +310,20 @@ void drawHistory(Canvas& canvas, const History& history, const Rect& rect,
         // One gradient for all of the graph: what is higher is brighter.
         const auto depth =
             static_cast<float>(y - rect.top) / static_cast<float>(std::max(1, rect.height()));
-        canvas.fill({x, y, x + 1, rect.bottom}, Theme::mix(look.top, look.bottom, depth),
-                    look.bottom);
+        // Each reaches under the next one: at scales between whole ones no seam is seen.
+        canvas.fill({x, y, std::min(x + 2, rect.right), rect.bottom},
+                    Theme::mix(look.top, look.bottom, depth), look.bottom);
         if (!smooth)
             canvas.fill({x, std::min(y, above), x + 1, std::max(y + 1, above)}, bright);
         above = y;
     }
-    for (int i = 0; smooth && i + 1 < count; ++i) {
-        const Point from{xOf(i), yOf(value(i))};
-        const Point to{xOf(i + 1), yOf(value(i + 1))};
+    // A level stretch is one piece: where pieces meet their smooth ends add up.
+    for (int i = 0, next = 1; smooth && next < count; i = next++) {
+        const int level = yOf(value(i));
+        while (next + 1 < count && yOf(value(next)) == level && yOf(value(next + 1)) == level)
+            ++next;
+        const Point from{xOf(i), level};
+        const Point to{xOf(next), yOf(value(next))};
         canvas.curve(from, from, to, to, bright, 1);
     }
 }

@@ -16,6 +16,7 @@
 #include <QImageReader>
 
 #include <fcntl.h>
+#include <string>
 #include <string_view>
 
 using OSInternal::FileHandle;
@@ -37,11 +38,12 @@ bool isOneOf(const LightweightString<char>& name, std::initializer_list<const ch
 
 [[noreturn]] void throwBrokenJpeg(const LightweightString<wchar_t>& path)
 {
-    // The exception only carries an address, so the text waits here until the thread's next one.
-    thread_local char message[1024];
-    std::snprintf(message, sizeof message, "QtImage::loadJPEG(%s) failed",
-                  OSInternal::pathToSystem(path).c_str());
-    throw Tq::Exception::RuntimeError(message, "OS/Mac/QtImage", 215);
+    // The exception only carries an address, so the text waits here until the thread's next one. No
+    // buffer: what the library keeps for each thread has to fit where late-loaded ones keep theirs.
+    thread_local std::string message;
+    message =
+        std::string("QtImage::loadJPEG(") + OSInternal::pathToSystem(path).c_str() + ") failed";
+    throw Tq::Exception::RuntimeError(message.c_str(), "OS/Mac/QtImage", 215);
 }
 
 // Everything but 32-bit pixels is converted to them: iHostImage promises no other.

@@ -53,7 +53,7 @@ public:
             draw(quads.data(), quads.size(), sizeof(V), VertexLayout<V>::kAttributes,
                  std::size(VertexLayout<V>::kAttributes), blending, opacity);
         } else {
-            static thread_local std::vector<V> inside;
+            static std::vector<V> inside; // kept for the next; under the GL lock like all here
             inside.clear();
             clip_.cut(quads, inside);
             draw(inside.data(), inside.size(), sizeof(V), VertexLayout<V>::kAttributes,

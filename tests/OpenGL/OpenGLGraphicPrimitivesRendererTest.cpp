@@ -221,6 +221,23 @@ TEST(GLRenderer, DrawsNothingOfWhatHasNoExtent)
         }
 }
 
+TEST(GLRenderer, DrawsShortArcsOnTheirOwnSideOnly)
+{
+    EllipseDescription desc;
+    desc.rect_ = {2, 2, 58, 58};
+    desc.fillStyle_ = EllipseDescription::eOutline;
+    desc.lineColour_ = {1, 1, 1};
+    desc.lineWidth_ = 14;
+    desc.startAngle_ = 260;
+    desc.endAngle_ = 280; // at the top
+    const QImage drawn =
+        DrawingRig(60, 60).withGL([&](iGraphicPrimitivesRenderer& r) { r.render(desc); });
+    EXPECT_EQ(drawn.pixel(30, 8), 0xFFFFFFFF);
+    for (int y = 30; y < 60; ++y)
+        for (int x = 0; x < 60; ++x)
+            ASSERT_EQ(drawn.pixel(x, y), kGround) << x << "," << y;
+}
+
 TEST(GLRenderer, SurvivesCoordinatesFarAway)
 {
     constexpr int kMost = (1 << 30) - 1, kLeast = -(1 << 30); // as far as widths can be counted

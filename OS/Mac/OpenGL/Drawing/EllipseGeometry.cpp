@@ -63,7 +63,7 @@ struct Ray
 {
     double x, y; // direction on the target, of length 1
 
-    Ray(const Ellipse& ellipse, int degrees)
+    Ray(const Ellipse& ellipse, double degrees)
     {
         const double angle = degrees * (M_PI / 180.0);
         x = ellipse.halfWidth * std::cos(angle);
@@ -73,6 +73,7 @@ struct Ray
         y /= length;
     }
     double distance(double px, double py) const { return px * y - py * x; }
+    double along(double px, double py) const { return px * x + py * y; }
 };
 
 } // namespace
@@ -116,9 +117,13 @@ void addPie(std::vector<PieVertex>& quads, const Ellipse& ellipse, EllipsePart p
         return;
     const Ray from(ellipse, span.from), to(ellipse, span.from + span.degrees);
     const double cap = part == EllipsePart::eOutline ? ellipse.outline / 2 : 0.0;
-    for (const EllipseVertex& v : vertices)
-        quads.push_back({v, f(from.distance(v.px, v.py) + cap), f(cap - to.distance(v.px, v.py)),
-                         span.degrees > 180 ? 1.0f : 0.0f});
+    const Ray middle(ellipse, span.from + span.degrees / 2.0);
+    constexpr float kEither = -1e6f;
+    for (const EllipseVertex& v : vertices) {
+        const double px = static_cast<double>(v.px), py = static_cast<double>(v.py);
+        quads.push_back({v, f(from.distance(px, py) + cap), f(cap - to.distance(px, py)),
+                         span.degrees > 180 ? kEither : f(middle.along(px, py) + cap)});
+    }
 }
 
 } // namespace GLDrawing

@@ -66,7 +66,7 @@ struct PieVertex
 {
     EllipseVertex ellipse;
     float from, to; // pixels inside of each ray
-    float wide;     // 1 where being inside of one is enough; equal at all four
+    float side;     // pixels on the rays' side of the centre; far out where one ray is enough
 };
 
 struct ImageVertex
@@ -130,7 +130,7 @@ inline EllipseVertex between(const EllipseVertex& a, const EllipseVertex& b, flo
 inline PieVertex between(const PieVertex& a, const PieVertex& b, float t)
 {
     return {between(a.ellipse, b.ellipse, t), between(a.from, b.from, t), between(a.to, b.to, t),
-            a.wide};
+            between(a.side, b.side, t)};
 }
 inline ImageVertex between(const ImageVertex& a, const ImageVertex& b, float t)
 {

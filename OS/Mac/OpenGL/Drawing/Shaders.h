@@ -82,8 +82,7 @@ FLAT vec4 fill;
 FLAT vec4 line;
 #ifdef PIE
 IN vec3 rays;
-SMOOTH vec2 r;
-FLAT float wide;
+SMOOTH vec3 r;
 #endif
 void main()
 {
@@ -97,8 +96,7 @@ void main()
     fill = fillColour;
     line = lineColour;
 #ifdef PIE
-    r = rays.xy;
-    wide = rays.z;
+    r = rays;
 #endif
 }
 )";
@@ -109,8 +107,7 @@ SMOOTH vec4 inner;
 FLAT vec4 fill;
 FLAT vec4 line;
 #ifdef PIE
-SMOOTH vec2 r;
-FLAT float wide;
+SMOOTH vec3 r;
 #endif
 void main()
 {
@@ -119,7 +116,8 @@ void main()
     vec2 covered = clamp((1.0 - k) * (0.5 * sharpness) * inversesqrt(g + 1e-12) + 0.5, 0.0, 1.0);
     vec4 c = fill * covered.y + line * max(covered.x - covered.y, 0.0);
 #ifdef PIE
-    float inside = wide > 0.5 ? max(r.x, r.y) : min(r.x, r.y);
+    // Between two rays less than half a turn apart, and not behind the centre; or inside of either.
+    float inside = r.z < -1e5 ? max(r.x, r.y) : min(min(r.x, r.y), r.z);
     c *= clamp(inside * sharpness + 0.5, 0.0, 1.0);
 #endif
     gl_FragColor = c;

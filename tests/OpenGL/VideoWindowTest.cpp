@@ -1,6 +1,7 @@
 #include "OpenGL/WidgetRig.h"
 #include "support/BackgroundThread.h"
 #include "support/EventRecorder.h"
+#include "support/FreshProcess.h"
 
 #include "OS/Mac/OpenGL/Widgets/QtGLWidgetPool.h"
 #include "OS/Mac/OpenGL/Widgets/QtGLWindowUpdater.h"
@@ -309,14 +310,7 @@ TEST_F(VideoWindowTest, FillsTheMonitor)
     ASSERT_TRUE(waitFor([&] {
         return exposed() && video->getSize() == XY<int>(monitor.width(), monitor.height());
     }));
-    // At a fractional scale the monitor is no whole number of logical pixels high.
-    const auto filled = [&] {
-        const QImage screen = grabScreen();
-        const auto at = [&](int x, int y) { return screen.pixel(x, y) & 0xffffff; };
-        const int right = screen.width() - 1, bottom = screen.height() - 1;
-        return at(0, 0) == kGreen && at(right, 0) == kRed && at(0, bottom) == kRed &&
-               at(right, bottom) == kRed;
-    };
+    const auto filled = [] { return showsFrame(grabScreen(), kRed, kGreen); };
     show(*video, kRed, kGreen);
     EXPECT_TRUE(waitFor(filled));
     EXPECT_EQ(video->getPosition(), (XY<int>(0, 0)));
@@ -347,6 +341,41 @@ TEST_F(VideoWindowTest, HandsTheInputOfAFullScreenToTheRootWindow)
     QKeyEvent key(QEvent::KeyPress, Qt::Key_A, Qt::NoModifier, "a");
     QCoreApplication::sendEvent(widget(), &key);
     EXPECT_EQ(events->lines("key").size(), 1u);
+}
+
+TEST(VideoWindow, GoesWithTheWindowManagersShutdown)
+{
+    if (runsInFreshProcess())
+        return;
+    const FaultTrap trap;
+    QtWindowManager manager;
+    const auto root = manager.createRootWindow();
+    iRootWindow::InitArgs args;
+    args.size = {300, 200};
+    args.eventHandler = new GreyHandler(root);
+    root->realize(args);
+    const auto video = manager.createVideoWindow({10, 10}, {100, 100});
+    const auto pooled = manager.createVideoWindow({120, 10}, {100, 100});
+    ASSERT_TRUE(video && pooled);
+    EXPECT_EQ(QtGLWidget::getLiveCount(), 2);
+    video->setFrameRate(60, 1);
+    const auto kept = video->getBackBuffer();
+    BackgroundThread player([&] {
+        do {
+            fill(*video->getBackBuffer()->getPrimitivesRenderer(true), {0, 0, 100, 100}, kRed);
+        } while (video->waitForRoom(kHalfAMinute) != iWaitable::eWaitFailed);
+    });
+    EXPECT_TRUE(waitFor([&] { return video->getStatistics().presented >= 3; }));
+    pooled->close();
+    manager.shutdown();
+    player.join();
+    EXPECT_TRUE(video->isClosed());
+    EXPECT_EQ(QtGLWidget::getLiveCount(), 0);
+    fill(*kept->getPrimitivesRenderer(true), {0, 0, 100, 100}, kRed);
+    EXPECT_FALSE(manager.createVideoWindow({10, 10}, {100, 100}));
+    EXPECT_FALSE(manager.createVideoWindowFullscreen());
+    manager.shutdown();
+    EXPECT_EQ(trap.faults(), "");
 }
 
 TEST(VideoSurface, FindsTheFirstMonitorThatHoldsAPosition)

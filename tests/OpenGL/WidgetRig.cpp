@@ -141,14 +141,22 @@ void drawFrame(QtGLWidget& widget, QRgb ground, QRgb quarter)
     fill(*renderer, {0, 0, widget.width() / 2, widget.height() / 2}, quarter);
 }
 
+bool showsFrame(const QImage& shown, QRgb ground, QRgb quarter)
+{
+    // At a fractional scale a widget begins and ends within a device pixel.
+    const double ratio = QGuiApplication::primaryScreen()->devicePixelRatio();
+    const int edge = ratio == std::floor(ratio) ? 0 : 2;
+    const int w = shown.width(), h = shown.height();
+    const int right = w - 1 - edge, bottom = h - 1 - edge;
+    const auto is = [&](int x, int y, QRgb rgb) { return (shown.pixel(x, y) & 0xffffff) == rgb; };
+    return is(edge, edge, quarter) && is(w / 2 - 3, h / 2 - 3, quarter) &&
+           is(w / 2 + 3, h / 2 + 3, ground) && is(right, edge, ground) &&
+           is(edge, bottom, ground) && is(right, bottom, ground);
+}
+
 bool showsFrame(const QWidget& widget, QRgb ground, QRgb quarter)
 {
-    const QImage shown = grabWidget(widget);
-    const int w = shown.width(), h = shown.height();
-    const auto is = [&](int x, int y, QRgb rgb) { return (shown.pixel(x, y) & 0xffffff) == rgb; };
-    return is(0, 0, quarter) && is(w / 2 - 3, h / 2 - 3, quarter) &&
-           is(w / 2 + 3, h / 2 + 3, ground) && is(w - 1, 0, ground) && is(0, h - 1, ground) &&
-           is(w - 1, h - 1, ground);
+    return showsFrame(grabWidget(widget), ground, quarter);
 }
 
 // -- Faults

@@ -42,6 +42,8 @@ void fill(iGraphicPrimitivesRenderer& renderer, const Tq::Rectangle<int>& area, 
 void drawFrame(QtGLWidget& widget, QRgb ground, QRgb quarter);
 /// Whether the screen shows that frame in a widget, at its size, and all of it.
 bool showsFrame(const QWidget& widget, QRgb ground, QRgb quarter);
+/// Whether a picture of the screen is that frame.
+bool showsFrame(const QImage& shown, QRgb ground, QRgb quarter);
 
 /// Counts the toolkit's warnings and the X server's errors while it lives.
 class FaultTrap

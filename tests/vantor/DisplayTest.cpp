@@ -8,6 +8,7 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <string>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -72,6 +73,15 @@ TEST_F(DisplayTest, PlaysForThreeSeconds)
     ASSERT_EQ(run("--play --seconds 3"), 0);
     EXPECT_GT(told().presented, 0);
     EXPECT_TRUE(told().byGL);
+}
+
+TEST_F(DisplayTest, TellsOfTheDriver)
+{
+    ASSERT_EQ(run("--gl-report --json"), 0);
+    std::ifstream file(home_ / "output");
+    const std::string text(std::istreambuf_iterator<char>(file), {});
+    EXPECT_TRUE(text.starts_with("[\n  {\"name\": \"Context\", \"value\": \"OpenGL ")) << text;
+    EXPECT_TRUE(text.ends_with("}\n]\n")) << text;
 }
 
 TEST_F(DisplayTest, PlaysAtEveryRateRoundAndRound)

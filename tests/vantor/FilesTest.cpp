@@ -308,8 +308,8 @@ TEST_F(FilesTest, WhatTheViewerShowsIsRemembered)
                                "ViewerZoom=2\n";
     std::ofstream(settingsFile()) << "[Editor]\n" << chosen << "\n";
     ASSERT_EQ(run("--seconds 1").status, 0);
-    for (const char* line : {"FrameNumber=1", "Loop=1", "Rate=4", "SafeAreas=0", "TimeCode=1",
-                             "ViewerZoom=2"})
+    for (const char* line :
+         {"FrameNumber=1", "Loop=1", "Rate=4", "SafeAreas=0", "TimeCode=1", "ViewerZoom=2"})
         EXPECT_NE(contentsOf(settingsFile()).find(std::string(line) + "\n"), std::string::npos)
             << line;
     std::ofstream(settingsFile()) << "[Editor]\nRate=99\nViewerZoom=-3\nLoop=maybe\n\n";

@@ -49,7 +49,8 @@ public:
     explicit Shapes(const OpenGLGraphicPrimitivesRendererBase& renderer)
         : resources_(DrawingResources::instance()),
           painter_(renderer.target_, renderer.clip_, resources_.vertexBuffer, resources_.run),
-          ratio_(renderer.target_.ratio), antialias_(renderer.antialias_), blend_(renderer.blend_)
+          target_(renderer.target_.bounds), ratio_(renderer.target_.ratio),
+          antialias_(renderer.antialias_), blend_(renderer.blend_)
     {
         resources_.fills.clear();
         resources_.lines.clear();
@@ -102,6 +103,7 @@ private:
 
     DrawingResources& resources_;
     QuadPainter painter_;
+    Box target_;
     double ratio_;
     bool antialias_;
     bool blend_;
@@ -172,7 +174,8 @@ void OpenGLGraphicPrimitivesRendererBase::Shapes::flushPies(Blending blending)
 void OpenGLGraphicPrimitivesRendererBase::Shapes::fill(const Tq::Rectangle<int>& rect, Colour top,
                                                        Colour bottom)
 {
-    const Fill fill = makeFill(rect, top, bottom, ratio_, painter_.visible());
+    Fill fill = makeFill(rect, top, bottom, ratio_, painter_.visible());
+    endWithTarget(fill, target_);
     if (!antialias_ || ratio_ == std::floor(ratio_)) {
         addHardFill(resources_.fills, fill);
     } else if (replaces(top) || replaces(bottom)) {

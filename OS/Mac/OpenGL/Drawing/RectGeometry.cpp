@@ -98,6 +98,14 @@ Fill makeFill(const Tq::Rectangle<int>& rectangle, Colour top, Colour bottom, do
             bottom,         rectangle.top * ratio, rectangle.bottom * ratio};
 }
 
+void endWithTarget(Fill& fill, const Box& target)
+{
+    if (nearestEdge(fill.right) == target.right)
+        fill.right = target.right;
+    if (nearestEdge(fill.bottom) == target.bottom)
+        fill.bottom = target.bottom;
+}
+
 Box hardEdges(const Fill& fill)
 {
     return {nearestEdge(fill.left), nearestEdge(fill.top), nearestEdge(fill.right),

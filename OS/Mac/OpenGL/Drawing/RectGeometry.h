@@ -24,6 +24,9 @@ struct Fill
 /// colours that it has there
 Fill makeFill(const Tq::Rectangle<int>& rectangle, Colour top, Colour bottom, double ratio,
               const Box& visible);
+/// At a fractional ratio a target's size is rounded, and what fills it ends half a pixel before or
+/// behind its last one: such a fill ends with the target, or windows would have seams.
+void endWithTarget(Fill& fill, const Box& target);
 
 /// Its edges moved to the nearest pixel edges; empty when none lie between.
 Box hardEdges(const Fill& fill);

@@ -83,16 +83,16 @@ TEST(FrameReaderTest, ReadsAheadWithinItsBounds)
     FrameReader* self = nullptr;
     FrameReader reader(
         2, 4,
-        [&](int, const FrameSpec&, int) {
+        [&](int, const FrameRequest&, int) {
             ++made;
             most = std::max<std::size_t>(most, self->inUse());
             return someImage();
         },
         [] {});
     self = &reader;
-    const FrameSpec spec{std::make_shared<Edit>(), {25, 1}, {2, 2}};
+    const FrameRequest request{std::make_shared<Edit>(), {25, 1}, {2, 2}};
     for (int start = 0; start < 40; ++start) {
-        reader.want(spec, {start, start + 1, start + 2, start + 3, start + 4, start + 5});
+        reader.want(request, {start, start + 1, start + 2, start + 3, start + 4, start + 5});
         ASSERT_TRUE(soon([&] { return reader.has(start); })) << start;
     }
     EXPECT_TRUE(soon([&] { return reader.has(42); }));
@@ -108,14 +108,14 @@ TEST(FrameReaderTest, AnotherEditMakesEveryFrameAnew)
     std::map<const Edit*, int> made;
     FrameReader reader(
         2, 4,
-        [&](int, const FrameSpec& spec, int) {
+        [&](int, const FrameRequest& request, int) {
             const std::lock_guard held(guard);
-            ++made[spec.edit.get()];
+            ++made[request.edit.get()];
             return someImage();
         },
         [] {});
-    const FrameSpec first{std::make_shared<Edit>(), {25, 1}, {2, 2}};
-    const FrameSpec second{std::make_shared<Edit>(), {25, 1}, {2, 2}};
+    const FrameRequest first{std::make_shared<Edit>(), {25, 1}, {2, 2}};
+    const FrameRequest second{std::make_shared<Edit>(), {25, 1}, {2, 2}};
     reader.want(first, {1});
     ASSERT_TRUE(soon([&] { return reader.has(1); }));
     reader.want(second, {1});
@@ -133,16 +133,16 @@ TEST(FrameReaderTest, EndsWhileItIsBusyAndWhileOthersAsk)
         std::mt19937 random(seed);
         auto reader = std::make_unique<FrameReader>(
             2, 4,
-            [](int, const FrameSpec&, int) {
+            [](int, const FrameRequest&, int) {
                 std::this_thread::yield();
                 return someImage();
             },
             [] {});
-        const FrameSpec specs[] = {{std::make_shared<Edit>(), {25, 1}, {2, 2}},
-                                   {std::make_shared<Edit>(), {25, 1}, {2, 2}}};
+        const FrameRequest requests[] = {{std::make_shared<Edit>(), {25, 1}, {2, 2}},
+                                         {std::make_shared<Edit>(), {25, 1}, {2, 2}}};
         for (int i = 0; i < 50; ++i) {
             const int at = static_cast<int>(random() % 10);
-            reader->want(specs[random() % 2], {at, at + 1, at + 2});
+            reader->want(requests[random() % 2], {at, at + 1, at + 2});
             reader->find(at);
         }
         reader.reset();

@@ -135,11 +135,11 @@ protected:
         showing_.transport.setLength(1000);
     }
 
-    Tq::Ptr<iImage> make(const FrameSpec& spec, int frame)
+    Tq::Ptr<iImage> make(const FrameRequest& request, int frame)
     {
         Tq::Ptr<iImage> image = OS()->mediaServices()->createHostSurface({2, 2});
         const std::lock_guard held(guard_);
-        made_[image.get()] = {frame, spec.size};
+        made_[image.get()] = {frame, request.size};
         kept_.push_back(image); // so that no address is used twice
         return image;
     }
@@ -179,7 +179,7 @@ protected:
     std::map<const iImageBase*, Frame> made_;
     std::vector<Tq::Ptr<iImage>> kept_;
     Presenter presenter_{
-        [this](int, const FrameSpec& spec, int frame) { return make(spec, frame); }};
+        [this](int, const FrameRequest& request, int frame) { return make(request, frame); }};
 };
 
 TEST_F(PresenterTest, APictureThatStandsStillIsShownOnce)

@@ -18,26 +18,26 @@ constexpr std::int64_t kPixels = 6LL << 20; ///< of the still pictures that a th
 
 FrameMaker::FrameMaker() : resources_(1.0), icons_(resources_), pictures_(resources_, kPixels) {}
 
-Tq::Ptr<iHostImage> FrameMaker::draw(const FrameSpec& spec, int frame)
+Tq::Ptr<iHostImage> FrameMaker::draw(const FrameRequest& request, int frame)
 {
-    const Rect picture{0, 0, spec.size.x, spec.size.y};
+    const Rect picture{0, 0, request.size.x, request.size.y};
     Tq::Ptr<iHostImage> surface = std::move(surface_);
     surface_.reset();
-    if (!surface || surface->getSize() != spec.size)
+    if (!surface || surface->getSize() != request.size)
         surface = resources_.blank(picture);
-    if (!surface || !spec.edit)
+    if (!surface || !request.edit)
         return nullptr;
     pictures_.allowLoads(std::numeric_limits<int>::max());
     Canvas canvas(resources_, surface->getPrimitivesRenderer(true));
-    drawComposition(
-        {canvas, icons_, pictures_, spec.edit->project, spec.edit->bin, spec.rate, frame, picture});
+    drawComposition({canvas, icons_, pictures_, request.edit->project, request.edit->bin,
+                     request.rate, frame, picture});
     return surface;
 }
 
-Tq::Ptr<iImage> FrameMaker::make(const FrameSpec& spec, int frame)
+Tq::Ptr<iImage> FrameMaker::make(const FrameRequest& request, int frame)
 {
     try {
-        const Tq::Ptr<iHostImage> drawn = draw(spec, frame);
+        const Tq::Ptr<iHostImage> drawn = draw(request, frame);
         const Tq::Ptr<iGPUImage> image =
             drawn ? OS()->mediaServices()->copyToGPU(drawn, iGPUImage::eARGB8) : nullptr;
         if (!image)

@@ -13,10 +13,10 @@ class FrameMaker
 public:
     FrameMaker();
 
-    /// The frame as a picture of the spec's size; null when memory is short.
-    Tq::Ptr<iHostImage> draw(const FrameSpec& spec, int frame);
+    /// The frame as a picture of the size asked for; null when memory is short.
+    Tq::Ptr<iHostImage> draw(const FrameRequest& request, int frame);
     /// The same on the GPU; in main memory where the GPU takes none.
-    Tq::Ptr<iImage> make(const FrameSpec& spec, int frame);
+    Tq::Ptr<iImage> make(const FrameRequest& request, int frame);
 
 private:
     Resources resources_;

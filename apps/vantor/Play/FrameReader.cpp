@@ -37,15 +37,15 @@ FrameReader::~FrameReader()
         worker->shutdown();
 }
 
-void FrameReader::want(const FrameSpec& spec, const std::vector<int>& frames)
+void FrameReader::want(const FrameRequest& request, const std::vector<int>& frames)
 {
     {
         const CriticalSectionLock held(lock_);
-        if (!(spec == spec_)) {
-            spec_ = spec;
+        if (!(request == request_)) {
+            request_ = request;
             ring_.clear();
         }
-        ring_.want(spec.edit ? frames : std::vector<int>());
+        ring_.want(request.edit ? frames : std::vector<int>());
     }
     wake();
 }
@@ -68,7 +68,7 @@ void FrameReader::workOn(int worker)
 {
     for (;;) {
         FrameRing::Job job;
-        FrameSpec spec;
+        FrameRequest request;
         {
             const CriticalSectionLock held(lock_);
             job = ring_.begin();
@@ -76,9 +76,9 @@ void FrameReader::workOn(int worker)
                 busy_[static_cast<std::size_t>(worker)] = false;
                 return;
             }
-            spec = spec_;
+            request = request_;
         }
-        Tq::Ptr<iImage> image = make_(worker, spec, job.frame);
+        Tq::Ptr<iImage> image = make_(worker, request, job.frame);
         bool kept = false;
         {
             const CriticalSectionLock held(lock_);

@@ -22,13 +22,13 @@ struct Edit
 };
 
 /// The pictures that frames are to become.
-struct FrameSpec
+struct FrameRequest
 {
     std::shared_ptr<const Edit> edit; ///< null: there is nothing to make
     FrameRate rate;
     Point size; ///< pixels
 
-    friend bool operator==(const FrameSpec&, const FrameSpec&) = default;
+    friend bool operator==(const FrameRequest&, const FrameRequest&) = default;
 };
 
 /// Makes the frames that will be shown next, ahead of their time, on threads of its own, and holds
@@ -38,7 +38,7 @@ class FrameReader
 public:
     /// Makes a frame; called on thread `worker`, 0 to workers - 1, one frame at a time. @return
     /// null where it cannot be made
-    using Make = std::function<Tq::Ptr<iImage>(int worker, const FrameSpec& spec, int frame)>;
+    using Make = std::function<Tq::Ptr<iImage>(int worker, const FrameRequest& request, int frame)>;
 
     /// @param capacity of frames held and being made
     /// @param arrived called, on a worker, after each frame
@@ -48,8 +48,8 @@ public:
     FrameReader(const FrameReader&) = delete;
     FrameReader& operator=(const FrameReader&) = delete;
 
-    /// Says what to hold from now on, the most urgent first. A new spec lets go of everything.
-    void want(const FrameSpec& spec, const std::vector<int>& frames);
+    /// Says what to hold from now on, the most urgent first. Another request lets go of everything.
+    void want(const FrameRequest& request, const std::vector<int>& frames);
     /// Null while the frame is not there.
     Tq::Ptr<iImage> find(int frame) const;
     /// Whether the frame is there, or it is known that it cannot be made.
@@ -68,7 +68,7 @@ private:
     const std::function<void()> arrived_;
     const Tq::Ptr<iCriticalSection> lock_;
     FrameRing ring_; ///< under lock_, and so the next two
-    FrameSpec spec_;
+    FrameRequest request_;
     std::vector<bool> busy_; ///< each worker
     std::vector<Tq::Ptr<TaskQueue>> workers_;
 };

@@ -46,8 +46,8 @@ FrameReader::Make makeDrawn()
     auto makers = std::make_shared<std::vector<std::unique_ptr<FrameMaker>>>();
     for (int i = 0; i < kWorkers; ++i)
         makers->push_back(std::make_unique<FrameMaker>());
-    return [makers](int worker, const FrameSpec& spec, int frame) {
-        return (*makers)[static_cast<std::size_t>(worker)]->make(spec, frame);
+    return [makers](int worker, const FrameRequest& request, int frame) {
+        return (*makers)[static_cast<std::size_t>(worker)]->make(request, frame);
     };
 }
 

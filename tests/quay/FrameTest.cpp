@@ -1,5 +1,6 @@
 #include "Drawing/Scene.h"
 #include "MadeUpData.h"
+#include "support/SampleProgramTest.h"
 
 #include <OS.h>
 #include <OS/Core/iUtils.h>
@@ -8,15 +9,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <functional>
 #include <iterator>
 #include <set>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace Quay {
 namespace {
@@ -220,40 +218,10 @@ TEST(DrawingTest, EveryStateIsDrawnDifferently)
         OS()->mediaServices()->saveImage(plain, wide(std::string(keep) + "/plain.png"));
 }
 
-/// The program itself, with a home of its own for each test.
-class ProgramTest : public testing::Test
+class ProgramTest : public SampleProgramTest
 {
 protected:
-    ProgramTest()
-    {
-        folder_ =
-            fs::temp_directory_path() /
-            ("quay-" + std::string(testing::UnitTest::GetInstance()->current_test_info()->name()) +
-             std::to_string(getpid()));
-        fs::create_directories(folder_);
-    }
-    ~ProgramTest() override { fs::remove_all(folder_); }
-
-    struct Outcome
-    {
-        int status;
-        std::string errors;
-    };
-    Outcome run(const std::string& arguments) const
-    {
-        const std::string errors = (folder_ / "errors").string();
-        const int status = std::system(("HOME='" + folder_.string() + "' " + QUAY_PROGRAM + " " +
-                                        arguments + " >/dev/null 2>" + errors)
-                                           .c_str());
-        std::ifstream file(errors);
-        std::string text;
-        for (std::string line; std::getline(file, line);)
-            if (line.starts_with("quay: "))
-                text += line + "\n";
-        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, text};
-    }
-
-    fs::path folder_;
+    ProgramTest() : SampleProgramTest("quay", QUAY_PROGRAM) {}
 };
 
 TEST_F(ProgramTest, WritesAFrameOfThisMachine)

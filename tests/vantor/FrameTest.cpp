@@ -1,6 +1,7 @@
 #include "Drawing/PictureScaler.h"
 #include "Editor.h"
 #include "FrameWriter.h"
+#include "support/SampleProgramTest.h"
 
 #include <OS.h>
 #include <OS/Core/iUtils.h>
@@ -10,14 +11,10 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <functional>
 #include <set>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace Vantor {
 namespace {
@@ -49,43 +46,15 @@ int colours(const Tq::Ptr<iHostImage>& image)
     return static_cast<int>(seen.size());
 }
 
-/// A folder of its own for each test.
-class FrameTest : public testing::Test
+class FrameTest : public SampleProgramTest
 {
 protected:
-    FrameTest()
-    {
-        folder_ = fs::temp_directory_path() /
-                  ("vantor-" +
-                   std::string(testing::UnitTest::GetInstance()->current_test_info()->name()) +
-                   std::to_string(getpid()));
-        fs::create_directories(folder_);
-    }
-    ~FrameTest() override { fs::remove_all(folder_); }
+    FrameTest() : SampleProgramTest("vantor", VANTOR_PROGRAM) {}
 
-    struct Outcome
-    {
-        int status;
-        std::string errors;
-    };
-    Outcome run(const std::string& arguments) const
-    {
-        const std::string errors = (folder_ / "errors").string();
-        const int status = std::system(
-            (std::string(VANTOR_PROGRAM) + " " + arguments + " >/dev/null 2>" + errors).c_str());
-        std::ifstream file(errors);
-        std::string text;
-        for (std::string line; std::getline(file, line);)
-            if (line.starts_with("vantor: "))
-                text += line + "\n";
-        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, text};
-    }
     Tq::Ptr<iHostImage> load(const std::string& name) const
     {
         return OS()->mediaServices()->loadImage(wide((folder_ / name).string()));
     }
-
-    fs::path folder_;
 };
 
 TEST_F(FrameTest, WritesAFrameOfTheRightSizeThatIsNotBlank)

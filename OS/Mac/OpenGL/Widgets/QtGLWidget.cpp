@@ -12,6 +12,7 @@
 
 #include <QCoreApplication>
 #include <QPaintEvent>
+#include <QPlatformSurfaceEvent>
 #include <QResizeEvent>
 #include <QWindow>
 #include <algorithm>
@@ -117,7 +118,7 @@ int QtGLWidget::getLiveCount()
 bool QtGLWidget::beginRender()
 {
     OpenGLUtils::instance().getLock()->lock();
-    if (!isBound())
+    if (!isBound() || !hasSurface_)
         return false;
     makeCurrent();
     takeSize();
@@ -152,7 +153,7 @@ bool QtGLWidget::swapTaken()
 bool QtGLWidget::endRender()
 {
     bool visible = false;
-    if (isBound()) {
+    if (isBound() && hasSurface_) {
         if (swapTaken())
             queueRedraw();
         visible = exposedNow_.load(std::memory_order_acquire);
@@ -173,9 +174,11 @@ void QtGLWidget::resize(QResizeEvent& event)
 {
     {
         const CriticalSectionLock lock(OpenGLUtils::instance().getLock());
-        QGLWidget::resizeEvent(&event);
-        takeSize();
-        doneCurrent(); // the base class leaves it current
+        if (hasSurface_) {
+            QGLWidget::resizeEvent(&event);
+            takeSize();
+            doneCurrent(); // the base class leaves it current
+        }
     }
     // The new back buffer holds anything.
     if (resizesDue_.fetch_sub(1) == 1)
@@ -299,7 +302,18 @@ bool QtGLWidget::eventFilter(QObject* watched, QEvent* event)
 {
     if (event->type() == QEvent::Expose && watched == windowHandle())
         noteExposure();
+    if (event->type() == QEvent::PlatformSurface && watched == windowHandle())
+        noteSurface(static_cast<QPlatformSurfaceEvent*>(event)->surfaceEventType() ==
+                    QPlatformSurfaceEvent::SurfaceCreated);
     return QGLWidget::eventFilter(watched, event);
+}
+
+// The toolkit destroys the native window on its own thread, also together with a window around it:
+// from before that, until there is a new one, nobody may make it current.
+void QtGLWidget::noteSurface(bool exists)
+{
+    const CriticalSectionLock lock(OpenGLUtils::instance().getLock());
+    hasSurface_ = exists;
 }
 
 void QtGLWidget::noteExposure()

@@ -87,6 +87,7 @@ private:
     void queueRedraw();
     void queueLostTasks();
     void noteExposure();
+    void noteSurface(bool exists);
 
     const Tq::Ptr<RenderTargetState> state_;
     std::atomic<bool> bound_{false};
@@ -98,6 +99,7 @@ private:
     std::atomic<bool> shown_{false};
     std::atomic<int> resizesDue_{0};
     std::atomic<bool> redrawDue_{false};
+    bool hasSurface_ = true;                       // a native window; under the GL lock
     Tq::Ptr<QtGLWidgetPrimitivesBatch> lastDrawn_; // under the GL lock
     std::optional<XY<int>> backBufferSize_;        // the updater's: taken since the last swap
 };

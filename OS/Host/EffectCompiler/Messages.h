@@ -11,10 +11,12 @@ struct SourcePlace
 {
     std::uint16_t file = 0; ///< index into Messages' files
     std::uint32_t line = 0; ///< from 1; 0 where there is none
+
+    friend bool operator==(const SourcePlace&, const SourcePlace&) = default;
 };
 
-/// What is wrong with an effect, collected while it is read: at most kMost lines, after which
-/// isFull() tells everybody to stop.
+/// What is wrong with an effect, collected while it is read: at most kMost errors, after which
+/// isFull() tells everybody to stop, and as many warnings.
 class Messages
 {
 public:
@@ -30,7 +32,8 @@ public:
 
     bool hasErrors() const { return errors_ != 0; }
     bool isFull() const { return errors_ >= kMost; }
-    /// "file(line) : error : text\n" each, in the order they were found.
+    /// "file(line) : error : text\n" each, in the order they were found; without "(line)" where
+    /// there is none.
     std::string listing() const;
 
 private:
@@ -39,10 +42,15 @@ private:
         SourcePlace place;
         bool isError;
         std::string text;
+
+        friend bool operator==(const Line&, const Line&) = default;
     };
+    void add(SourcePlace place, bool isError, const std::string& text);
+
     std::vector<std::string> files_;
     std::vector<Line> lines_;
     std::size_t errors_ = 0;
+    std::size_t warnings_ = 0;
 };
 
 } // namespace EffectCompiler

@@ -11,7 +11,9 @@
 /// The syntax tree of an effect, as the parser makes it and the checker completes it.
 ///
 /// Nodes live as long as their SyntaxTree, in its arenas; everything refers to them by plain
-/// pointers. Trees are bounded: the parser refuses nesting beyond Limits::kDepth.
+/// pointers. Trees are bounded, so walking them by recursion is safe: the parser refuses nesting
+/// beyond Limits::kDepth, expressions deeper than Limits::kOperators ("a + b + c .." is as deep as
+/// it is long), and types of more than Limits::kElements elements.
 namespace EffectCompiler {
 
 struct Limits
@@ -19,7 +21,8 @@ struct Limits
     static constexpr std::size_t kSourceBytes = 16u << 20; ///< after preprocessing
     static constexpr std::size_t kTokens = 2'000'000;
     static constexpr int kDepth = 200;      ///< of nested expressions, blocks, includes and types
-    static constexpr int kElements = 65536; ///< of an array, all dimensions multiplied
+    static constexpr int kOperators = 1000; ///< of an expression, on the way to its deepest part
+    static constexpr int kElements = 65536; ///< of a type, all dimensions and fields counted
 };
 
 struct Record;
@@ -76,6 +79,8 @@ struct Record
     const Record* implements = nullptr; ///< "struct Spot : Light"
     std::vector<Field> fields;
     std::vector<Function*> methods;
+    std::size_t elements = 0; ///< of all fields: scalars, vectors, matrices and objects
+    int depth = 1;            ///< how far structs are nested in it
 };
 
 struct Expression
@@ -106,6 +111,7 @@ struct Expression
     double value = 0.0;
     Type castType; ///< of constructors and casts
     std::vector<Expression*> operands;
+    int depth = 1; ///< one more than its deepest operand's
 
     // Completed by the checker.
     Type type;

@@ -1,0 +1,7 @@
+#include "OS/Host/EffectCompiler/Checker.h"
+
+namespace EffectCompiler {
+
+void check(SyntaxTree&, Messages&) {}
+
+} // namespace EffectCompiler

@@ -233,6 +233,16 @@ TEST(Slots, WhatLivesOnTheGPU)
                  slotOf(&M::createGPUImage3D),
                  overload<M, Tq::Ptr<iHostImage3D>, const Tq::Ptr<iGPUImage3D>&>(&M::copyToHost)},
                 slotOf(&M::createHostSurfaceFont) + 1);
+    expectOrder(
+        "iMediaServices, effects",
+        {slotOf(&M::createShaderEffect), slotOf(&M::compileFXFile), slotOf(&M::create3DEffect)},
+        slotOf(&M::grabScreen) + 1);
+    using E = iShaderEffect;
+    expectOrder("iShaderEffect",
+                {overload<E, bool, const LightweightString<char>&>(&E::setTechnique),
+                 overload<E, bool, unsigned int>(&E::setTechnique), slotOf(&E::hasTechnique),
+                 slotOf(&E::setFloat), slotOf(&E::setInt), slotOf(&E::setColour),
+                 slotOf(&E::draw)});
 }
 
 TEST(Slots, TheEventHandlersOperations)

@@ -33,4 +33,8 @@ public:
     Tq::Ptr<iGPUImage3D> createGPUImage3D(const Tq::Ptr<iHostImage3D>& image) override;
     Tq::Ptr<iHostImage3D> copyToHost(const Tq::Ptr<iGPUImage3D>& image) override;
     Tq::Ptr<iHostImage> grabScreen(XY<int> size) override;
+
+    Tq::Ptr<iShaderEffect> createShaderEffect(const LightweightString<wchar_t>& path) override;
+    Tq::Ptr<iFXFile> compileFXFile(const LightweightString<wchar_t>& path) override;
+    Tq::Ptr<i3DEffect> create3DEffect() override;
 };

@@ -4,6 +4,9 @@
 #include <OS/Core/Ptr.h>
 #include <OS/Core/iDLL.h>
 #include <OS/Core/iObject.h>
+#include <OS/Effects/i3DEffect.h>
+#include <OS/Effects/iFXFile.h>
+#include <OS/Effects/iShaderEffect.h>
 #include <OS/OpenGL/iGPUImage.h>
 #include <OS/OpenGL/iGPUImage3D.h>
 #include <OS/Painting/iFont.h>
@@ -101,4 +104,17 @@ public:
     /// @return null, after "MediaServices::grabScreen() : %s\n" with the reason, where the desktop
     /// does not allow it
     virtual Tq::Ptr<iHostImage> grabScreen(XY<int> size) = 0;
+
+    /// Loads an effect file: techniques made of passes, with parameters, textures and samplers.
+    ///
+    /// Writes "Compiling shader : %s .. " with the path, and "done\n" or "FAILED\n", to standard
+    /// error; iShaderEffect says what else an effect does. What is wrong with the file is printed:
+    /// "Failed to load shader : %s (%s)\n" with the compiler's listing.
+    /// @return null where it cannot be loaded, or none of its techniques can be used
+    virtual Tq::Ptr<iShaderEffect> createShaderEffect(const LightweightString<wchar_t>& path) = 0;
+    /// What an effect file says, and what becomes of it, without GL. Prints nothing: the answer has
+    /// the listing. Never null.
+    virtual Tq::Ptr<iFXFile> compileFXFile(const LightweightString<wchar_t>& path) = 0;
+    /// Pictures in space.
+    virtual Tq::Ptr<i3DEffect> create3DEffect() = 0;
 };

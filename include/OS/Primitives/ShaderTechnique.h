@@ -8,10 +8,11 @@
 #include <vector>
 
 /// How an image is passed through an effect: the effect, one of its techniques, and parameter
-/// values.
+/// values, which hold for the one drawing. The image is put at the effect's first input; values may
+/// put others at the further ones.
 struct ShaderTechnique
 {
     Tq::Ptr<iShaderEffectBase> effect_; ///< null draws the image as it is
-    LightweightString<char> name_;
+    LightweightString<char> name_;      ///< "" is the effect's current technique
     std::vector<Tq::Ptr<iShaderParamValue>> values_;
 };

@@ -4,6 +4,7 @@
 #include <OS/Core/iDLL.h>
 #include <OS/Core/iThreadAtomics.h>
 #include <OS/Core/iUtils.h>
+#include <OS/Devices/iHardwareManager.h>
 #include <OS/Files/iFileManager.h>
 #include <OS/Files/iSettings.h>
 #include <OS/Media/iMediaServices.h>
@@ -26,6 +27,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <cstring>
 #include <vector>
 
@@ -195,6 +197,19 @@ TEST(Slots, Threads)
                 {slotOf(&P::getStatus), slotOf(&P::terminate), slotOf(&P::attach)});
 }
 
+TEST(Slots, SerialPorts)
+{
+    using H = iHardwareManager;
+    expectOrder("iHardwareManager",
+                {slotOf(&H::getComPorts), slotOf(&H::openComPort), slotOf(&H::getFirewireDevice),
+                 slotOf(&H::registerForDeviceEvents)});
+    using P = iComPort;
+    expectOrder("iComPort", {slotOf(&P::sendData), slotOf(&P::sendCommand), slotOf(&P::purge),
+                             slotOf(&P::setConfig)});
+    using R = iComPortReceiver;
+    expectOrder("iComPortReceiver", {slotOf(&R::dataReceived), slotOf(&R::getBuffer)});
+}
+
 TEST(Slots, DrawingKeepsOneOrderOfTheEightKinds)
 {
     using R = iGraphicPrimitivesRenderer;
@@ -261,5 +276,6 @@ static_assert(sizeof(Tq::InternalRefCount) == 16);
 static_assert(sizeof(XY<int>) == 16 && sizeof(Tq::Rectangle<int>) == 16 &&
               sizeof(NormalisedRGB) == 24);
 static_assert(sizeof(RectDescription) == 88);
+static_assert(sizeof(iComPort::Config) == 16 && offsetof(iComPort::Config, baudRate) == 8);
 static_assert(sizeof(iEventHandler::KeyEvent) == 20);
 static_assert(sizeof(iEventHandler::WindowEvent) == 8);

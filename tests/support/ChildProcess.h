@@ -62,12 +62,15 @@ inline void limitFileSize(rlim_t bytes)
 class WithoutPrivilege
 {
 public:
-    WithoutPrivilege()
+    static constexpr unsigned int kFiles =
+        (1u << CAP_DAC_OVERRIDE) | (1u << CAP_DAC_READ_SEARCH) | (1u << CAP_FOWNER);
+
+    /// @param capabilities what the thread does without, one bit each
+    explicit WithoutPrivilege(unsigned int capabilities = kFiles)
     {
         syscall(SYS_capget, &header_, saved_);
         __user_cap_data_struct reduced[2] = {saved_[0], saved_[1]};
-        reduced[0].effective &=
-            ~((1u << CAP_DAC_OVERRIDE) | (1u << CAP_DAC_READ_SEARCH) | (1u << CAP_FOWNER));
+        reduced[0].effective &= ~capabilities;
         syscall(SYS_capset, &header_, reduced);
     }
     WithoutPrivilege(const WithoutPrivilege&) = delete;

@@ -30,6 +30,10 @@ public:
     Tq::Ptr<iObject> getObject(const LightweightString<char>& name) override;
     void setObject(const LightweightString<char>& name, Tq::Ptr<iObject> object) override;
 
+    /// Whether the system had a thread to give. Not to be asked once the thread has been waited
+    /// for.
+    bool hasThread() const { return handle_ != 0; }
+
     /// The POSIX start routine. @param shared a Shared that is counted for the new thread
     static void* execute(void* shared);
     /// The next number, from 1. Unguarded, deliberately: concurrent creations may share one.

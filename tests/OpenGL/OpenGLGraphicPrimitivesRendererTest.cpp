@@ -73,8 +73,18 @@ public:
     Tq::Ptr<iRegion> clone() const override { return new ForeignRegion; }
 };
 
+// Knows no technique.
 class SomeEffect final : public iShaderEffectBase
 {
+public:
+    using Name = LightweightString<char>;
+    bool setTechnique(const Name&) override { return false; }
+    bool setTechnique(unsigned int) override { return false; }
+    bool hasTechnique(const Name&) override { return false; }
+    bool setFloat(const Name&, float) override { return false; }
+    bool setInt(const Name&, int) override { return false; }
+    bool setColour(const Name&, const NormalisedRGB&) override { return false; }
+    bool draw(const Drawing&) override { return false; }
 };
 
 } // namespace

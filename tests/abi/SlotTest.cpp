@@ -250,7 +250,8 @@ TEST(Slots, WhatLivesOnTheGPU)
                 slotOf(&M::createHostSurfaceFont) + 1);
     expectOrder(
         "iMediaServices, effects",
-        {slotOf(&M::createShaderEffect), slotOf(&M::compileFXFile), slotOf(&M::create3DEffect)},
+        {slotOf(&M::createShaderEffect), slotOf(&M::compileFXFile), slotOf(&M::create3DEffect),
+         slotOf(&M::createGPUSurfaceFont)},
         slotOf(&M::grabScreen) + 1);
     using E = iShaderEffect;
     expectOrder("iShaderEffect",

@@ -37,4 +37,6 @@ public:
     Tq::Ptr<iShaderEffect> createShaderEffect(const LightweightString<wchar_t>& path) override;
     Tq::Ptr<iFXFile> compileFXFile(const LightweightString<wchar_t>& path) override;
     Tq::Ptr<i3DEffect> create3DEffect() override;
+    Tq::Ptr<iFont> createGPUSurfaceFont(const LightweightString<wchar_t>& name, unsigned int size,
+                                        unsigned int flags) override;
 };

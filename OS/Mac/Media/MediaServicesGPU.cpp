@@ -4,6 +4,7 @@
 #include "OS/Mac/OpenGL/Contexts/OpenGLUtils.h"
 #include "OS/Mac/OpenGL/Images/GPUReadySurface.h"
 #include "OS/Mac/OpenGL/Images/OpenGLImage.h"
+#include "OS/Mac/OpenGL/Text/OpenGLFont.h"
 
 namespace {
 
@@ -27,6 +28,12 @@ Tq::Ptr<iHostImage> MediaServices::createGPUReadySurface(const XY<int>& size,
                                                          iGPUImage::eFormat format)
 {
     return GPUReadySurface::create(size, format);
+}
+
+Tq::Ptr<iFont> MediaServices::createGPUSurfaceFont(const LightweightString<wchar_t>& name,
+                                                   unsigned int size, unsigned int flags)
+{
+    return OpenGLFont::make(name, size, 0, flags);
 }
 
 Tq::Ptr<iHostImage> MediaServices::copyToHost(const Tq::Ptr<iGPUImage>& image)

@@ -117,4 +117,10 @@ public:
     virtual Tq::Ptr<iFXFile> compileFXFile(const LightweightString<wchar_t>& path) = 0;
     /// Pictures in space.
     virtual Tq::Ptr<i3DEffect> create3DEffect() = 0;
+
+    /// A font for drawing on what lives on the GPU: images, and the back buffers of video windows.
+    /// Text in it is drawn there only, as text in a font for host surfaces is drawn on those only.
+    /// @param name, size, flags as for createHostSurfaceFont
+    virtual Tq::Ptr<iFont> createGPUSurfaceFont(const LightweightString<wchar_t>& name,
+                                                unsigned int size, unsigned int flags) = 0;
 };

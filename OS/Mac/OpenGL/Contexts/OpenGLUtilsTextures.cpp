@@ -9,6 +9,7 @@
 #include "OS/Mac/OpenGL/Drawing/OpenGLGraphicPrimitivesRenderer.h"
 #include "OS/Mac/OpenGL/Images/OpenGLImage.h"
 #include "OS/Mac/OpenGL/Images/OpenGLTextureCache.h"
+#include "OS/Mac/OpenGL/Text/OpenGLFontBase.h"
 #include "OS/Mac/Painting/QtImage.h"
 
 #include <OS.h>
@@ -108,8 +109,9 @@ void OpenGLUtils::clearCaches()
 {
     if (!isInitialised())
         return;
-    OpenGLTextureCache::instance().clear();
     const OpenGLContextProtector protector;
+    OpenGLFontBase::shutdown();
+    OpenGLTextureCache::instance().clear(); // texts leave their textures to it
     if (OpenGLContextProtector::hasContext())
         OpenGLGraphicPrimitivesRenderer::clearCaches();
 }
@@ -120,5 +122,7 @@ void OpenGLUtils::releaseTextures()
     blackTexture_.reset();
     textEffectsShader_.reset();
     OpenGLTextureCache::instance().clear();
+    OpenGLFontBase::shutdown();
+    OpenGLTextureCache::instance().clear(); // texts have left their textures to it
     OpenGLGraphicPrimitivesRenderer::shutdown();
 }

@@ -24,7 +24,7 @@ namespace EffectCompiler {
 class Preprocessor
 {
 public:
-    /// @param files keeps the texts that tokens point into, and must live as long as they
+    /// @param files and this keep the texts that tokens point into, and must live as long as they
     Preprocessor(SourceFiles& files, Messages& messages) : files_(files), messages_(messages) {}
 
     /// "-DNAME=VALUE", "-DNAME", "-IFOLDER"; anything else is a warning.
@@ -34,8 +34,6 @@ public:
 
     /// Whether an include was not found.
     bool isFileMissing() const { return isFileMissing_; }
-    /// Where tokens' texts live that are in no file. Must live as long as they.
-    std::deque<std::string> takeMadeTexts() { return std::move(madeTexts_); }
 
 private:
     struct Macro

@@ -60,16 +60,16 @@ int openDescriptors()
     return static_cast<int>(std::distance(begin(entries), end(entries)));
 }
 
-int readersAlive()
+int threads()
 {
-    int readers = 0;
-    for (const auto& task : std::filesystem::directory_iterator("/proc/self/task")) {
-        std::ifstream file(task.path() / "comm");
-        std::string name;
-        std::getline(file, name);
-        readers += name == "ComPort";
-    }
-    return readers;
+    const std::filesystem::directory_iterator entries("/proc/self/task");
+    return static_cast<int>(std::distance(begin(entries), end(entries)));
+}
+
+// Waits until the readers of this test have ended. @return whether they did
+bool readersEnd(int threadsBefore)
+{
+    return waitUntil([&] { return threads() <= threadsBefore; });
 }
 
 std::string exclusiveLine(const std::string& path, int error)
@@ -88,7 +88,7 @@ std::string openingLine(const std::string& path, int error)
 
 TEST(ComPort, DeliversABurstInOrderAtMostEightBytesACall)
 {
-    for (const std::size_t length : {1, 8, 20, 4096}) {
+    for (const std::size_t length : {1u, 8u, 20u, 4096u}) {
         Rig rig(kUsual);
         const std::string sent = pattern(length);
         ASSERT_TRUE(rig.pair.send(sent));
@@ -101,8 +101,8 @@ TEST(ComPort, DeliversABurstInOrderAtMostEightBytesACall)
 
 TEST(ComPort, LosesNothingToAReceiverThatIsSlow)
 {
-    Rig rig;
     Gate gate;
+    Rig rig;
     rig.receiver->onData = [&] { gate.wait(); };
     rig.open();
     const std::string sent = pattern(100'000);
@@ -221,9 +221,9 @@ TEST(ComPort, SetsEveryConfiguration)
                     const TerminalCalls calls(0);
                     // A pseudo-terminal has neither parity nor seven bits, which some C libraries
                     // report; a real line is in UartTest.cpp.
-                    const std::string reported = outputOf([&] {
-                        EXPECT_TRUE(rig.port->setConfig({parity, stopBits, baudRate, dataBits}));
-                    });
+                    const iComPort::Config config{parity, stopBits, baudRate, dataBits};
+                    const std::string reported =
+                        outputOf([&] { EXPECT_TRUE(rig.port->setConfig(config)); });
                     if (size == CS8 && parityFlags == 0) {
                         EXPECT_EQ(reported, "");
                     }
@@ -284,8 +284,8 @@ TEST(ComPort, SetsModemLinesAndFlushesAsPublished)
 
 TEST(ComPort, PurgeDropsWhatHasComeInAndNotWhatGoesOut)
 {
-    Rig rig;
     Gate taken, gate;
+    Rig rig;
     rig.receiver->onData = [&] {
         taken.open();
         gate.wait();
@@ -305,6 +305,7 @@ TEST(ComPort, PurgeDropsWhatHasComeInAndNotWhatGoesOut)
 
 TEST(ComPort, AnUnpluggedDeviceEndsTheReaderAndFailsTheWriter)
 {
+    const int before = threads();
     Rig rig(kUsual);
     std::string large = pattern(100'000);
     BackgroundThread writer(
@@ -312,7 +313,7 @@ TEST(ComPort, AnUnpluggedDeviceEndsTheReaderAndFailsTheWriter)
     EXPECT_TRUE(writer.waitUntilBlocked());
     rig.pair.unplug();
     EXPECT_FALSE(writer.result());
-    EXPECT_TRUE(waitUntil([] { return readersAlive() == 0; }));
+    EXPECT_TRUE(readersEnd(before));
     EXPECT_FALSE(rig.port->sendData(large.data(), 1));
     EXPECT_EQ(outputOf([&] { rig.port.reset(); }),
               "Error waiting for drain - Input/output error(5).\n");
@@ -321,6 +322,7 @@ TEST(ComPort, AnUnpluggedDeviceEndsTheReaderAndFailsTheWriter)
 TEST(ComPort, CanBeLetGoAtAnyMoment)
 {
     // While the reader waits, while data streams in, and as soon as it is open.
+    const int before = threads();
     for (int i = 0; i < 200; ++i) {
         Rig rig;
         rig.port = openPort(rig.pair.path(), rig.receiver);
@@ -336,54 +338,55 @@ TEST(ComPort, CanBeLetGoAtAnyMoment)
         rig.pair.send("late");
         ASSERT_EQ(rig.receiver->bytes().size(), received);
     }
-    EXPECT_TRUE(waitUntil([] { return readersAlive() == 0; }));
+    EXPECT_TRUE(readersEnd(before));
 }
 
 TEST(ComPort, CanBeLetGoByItsOwnReceiver)
 {
     for (const bool whileReading : {false, true}) {
+        const int before = threads();
+        Gate open, released;
         Rig rig;
-        std::atomic<bool> released{false};
         auto& moment = whileReading ? rig.receiver->onRead : rig.receiver->onData;
         moment = [&] {
+            open.wait();
             rig.port.reset();
-            released = true;
+            released.open();
         };
-        Tq::Ptr<iComPort> port = openPort(rig.pair.path(), rig.receiver);
-        port->setConfig(kUsual);
-        rig.port = std::move(port);
+        rig.open();
+        open.open();
         rig.pair.send("x");
-        EXPECT_TRUE(waitUntil([&] { return released.load(); }));
-        EXPECT_TRUE(waitUntil([] { return readersAlive() == 0; }));
-        EXPECT_EQ(*rig.receiver->refCount(), 1);
-        Rig again(kUsual);
+        released.wait();
+        EXPECT_TRUE(readersEnd(before));
+        EXPECT_EQ(__atomic_load_n(rig.receiver->refCount(), __ATOMIC_ACQUIRE), 1);
+        moment = [] {};
+        rig.open();
     }
 }
 
 TEST(ComPort, ClosesThoughTheDataThatItWasToldOfIsGone)
 {
+    Gate open, purged;
     Rig rig;
-    Gate purged;
     rig.receiver->onRead = [&] {
-        int taken = 0;
-        do // as another process would, between the news and the read
-            rig.port->purge();
-        while (ioctl(rig.pair.device(), TIOCOUTQ, &taken) == 0 && taken > 0);
+        open.wait();
+        rig.port->purge(); // as another process would take it, between the news and the read
         purged.open();
     };
     rig.open();
     rig.pair.send("x");
+    open.open();
     purged.wait();
-    EXPECT_TRUE(waitUntil([] { return readersAlive() == 1; }));
     rig.port.reset();
     EXPECT_EQ(rig.receiver->bytes(), "");
 }
 
 TEST(ComPort, AReaderWithoutDataEndsWhenThePortIsNeverConfigured)
 {
+    const int before = threads();
     Rig rig;
     rig.port = openPort(rig.pair.path(), rig.receiver);
-    EXPECT_TRUE(waitUntil([] { return readersAlive() == 0; }));
+    EXPECT_TRUE(readersEnd(before));
     rig.port->setConfig(kUsual);
     rig.pair.send("unheard");
     rig.port.reset();

@@ -99,11 +99,8 @@ TEST_F(Uart, TakesEveryConfigurationAndReceives)
         for (const auto& [parity, parityFlags] : kParities)
             for (const std::uint32_t stopBits : {0u, 1u})
                 for (const std::uint32_t dataBits : {7u, 8u}) {
-                    EXPECT_EQ(
-                        outputOf([&] {
-                            EXPECT_TRUE(near->setConfig({parity, stopBits, baudRate, dataBits}));
-                        }),
-                        "");
+                    const iComPort::Config config{parity, stopBits, baudRate, dataBits};
+                    EXPECT_EQ(outputOf([&] { EXPECT_TRUE(near->setConfig(config)); }), "");
                     const termios line = witness.attributes();
                     const tcflag_t expected = speed | parityFlags | (stopBits == 1 ? CSTOPB : 0) |
                                               (dataBits == 7 ? CS7 : CS8) | CREAD;

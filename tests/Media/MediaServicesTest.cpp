@@ -62,6 +62,22 @@ TEST(MediaServices, RefusesToGrabAScreenThatIsNotThere)
               "MediaServices::grabScreen() : the desktop does not let its screen be seen\n");
 }
 
+TEST(MediaServices, RefusesToRecordAScreenThatIsNotThere)
+{
+    LightweightString<wchar_t> path = L"as it was";
+    EXPECT_EQ(outputOf([&] { EXPECT_FALSE(media()->beginScreenCapture(path, "")); }),
+              "MediaServices::beginScreenCapture() : the desktop does not let its screen be seen\n"
+              "assertion failed b at OS/Mac/MediaServices line 364\n");
+    EXPECT_EQ(path, L"as it was");
+    EXPECT_EQ(outputOf([] { media()->endScreenCapture(); }), "");
+}
+
+TEST(MediaServices, HasNoSound)
+{
+    EXPECT_FALSE(media()->createAudioBuffer(4096));
+    EXPECT_EQ(media()->getNumAudioOutputChannels(), 0u);
+}
+
 TEST(MediaServices, NamesTheSameTypesForLoadingAndSaving)
 {
     const std::pair<std::vector<LightweightString<wchar_t>>, const wchar_t*> expected[] = {

@@ -6,4 +6,8 @@ namespace Host {
 /// the toolkit is started on it: the toolkit ends the process when it cannot connect.
 bool displayAnswers();
 
+/// Whether the desktop is a Wayland session: an X11 display shows black there in place of the
+/// screen.
+bool desktopHidesScreen();
+
 } // namespace Host

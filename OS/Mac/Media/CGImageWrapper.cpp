@@ -6,7 +6,13 @@
 class CGImageWrapper::CGImageGuard final : public iPixelGuard
 {
 public:
-    explicit CGImageGuard(const QImage& image) : pixels_(image.copy()) {}
+    explicit CGImageGuard(const QImage& image)
+        : pixels_(image.width(), image.height(), QImage::Format_RGB32)
+    {
+        for (int y = 0; y < pixels_.height(); ++y)
+            copyOpaque(reinterpret_cast<const std::uint32_t*>(image.constScanLine(y)),
+                       reinterpret_cast<std::uint32_t*>(pixels_.scanLine(y)), image.width());
+    }
 
     std::uint8_t* getPixels() override { return pixels_.bits(); }
     const std::uint8_t* getPixels() const override { return pixels_.constBits(); }
@@ -14,6 +20,13 @@ public:
     XY<int> getSize() const override { return {pixels_.width(), pixels_.height()}; }
 
 private:
+    // A screen's upper byte holds anything.
+    static void copyOpaque(const std::uint32_t* from, std::uint32_t* to, int count)
+    {
+        for (int i = 0; i < count; ++i)
+            to[i] = from[i] | 0xFF000000u;
+    }
+
     QImage pixels_;
 };
 

@@ -5,11 +5,11 @@
 #include <QImage>
 
 /// A picture of the screen: it can be locked, but not drawn on. Every guard has a copy of the
-/// pixels of its own.
+/// pixels of its own, opaque.
 class CGImageWrapper final : public iHostImage
 {
 public:
-    /// @param image with pixels of 32 bits
+    /// @param image in format RGB32, whose upper bytes may hold anything
     explicit CGImageWrapper(const QImage& image);
 
     XY<int> getSize() const override { return size_; }

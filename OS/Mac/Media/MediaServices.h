@@ -2,6 +2,10 @@
 
 #include <OS/Media/iMediaServices.h>
 
+namespace Host {
+class ScreenGrabber;
+}
+
 /// iMediaServices: still pictures through QtImage, the toolkit's writers and TiffWriter; images on
 /// the GPU through OpenGLImage.
 class MediaServices final : public iMediaServices
@@ -33,10 +37,18 @@ public:
     Tq::Ptr<iGPUImage3D> createGPUImage3D(const Tq::Ptr<iHostImage3D>& image) override;
     Tq::Ptr<iHostImage3D> copyToHost(const Tq::Ptr<iGPUImage3D>& image) override;
     Tq::Ptr<iHostImage> grabScreen(XY<int> size) override;
+    Tq::Ptr<iObject> beginScreenCapture(LightweightString<wchar_t>& path,
+                                        const LightweightString<char>& options) override;
+    void endScreenCapture() override;
+    Tq::Ptr<iAudioBuffer> createAudioBuffer(unsigned int size) override;
+    unsigned int getNumAudioOutputChannels() override;
 
     Tq::Ptr<iShaderEffect> createShaderEffect(const LightweightString<wchar_t>& path) override;
     Tq::Ptr<iFXFile> compileFXFile(const LightweightString<wchar_t>& path) override;
     Tq::Ptr<i3DEffect> create3DEffect() override;
     Tq::Ptr<iFont> createGPUSurfaceFont(const LightweightString<wchar_t>& name, unsigned int size,
                                         unsigned int flags) override;
+
+private:
+    static Host::ScreenGrabber& screenGrabber();
 };

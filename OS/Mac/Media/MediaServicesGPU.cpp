@@ -1,6 +1,7 @@
 // The operations of MediaServices that are about images on the GPU.
 #include "OS/Mac/Media/MediaServices.h"
 
+#include "OS/Host/Screen/ScreenGrabber.h"
 #include "OS/Mac/OpenGL/Contexts/OpenGLUtils.h"
 #include "OS/Mac/OpenGL/Images/GPUReadySurface.h"
 #include "OS/Mac/OpenGL/Images/OpenGLImage.h"
@@ -69,6 +70,7 @@ void MediaServices::resetGPUContext()
 void MediaServices::clearCaches()
 {
     OpenGLUtils::clearCaches();
+    screenGrabber().clear();
 }
 
 Tq::Ptr<iGPUImage3D> MediaServices::createGPUImage3D(const Tq::Ptr<iHostImage3D>&)

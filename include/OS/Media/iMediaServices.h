@@ -7,6 +7,7 @@
 #include <OS/Effects/i3DEffect.h>
 #include <OS/Effects/iFXFile.h>
 #include <OS/Effects/iShaderEffect.h>
+#include <OS/Media/iAudioBuffer.h>
 #include <OS/OpenGL/iGPUImage.h>
 #include <OS/OpenGL/iGPUImage3D.h>
 #include <OS/Painting/iFont.h>
@@ -91,8 +92,8 @@ public:
     virtual Tq::Ptr<iCriticalSection> getGPULock() = 0;
     /// Makes no GL context current on the calling thread; quiet without GL.
     virtual void resetGPUContext() = 0;
-    /// Gives back the GPU's memory that is kept for later images and later drawing; quiet without
-    /// GL.
+    /// Gives back the memory that is kept for later: on the GPU for images and drawing, in main
+    /// memory for pictures of the screen. Quiet without GL.
     virtual void clearCaches() = 0;
     /// Always null: cubes of colours are the effects' to make.
     virtual Tq::Ptr<iGPUImage3D> createGPUImage3D(const Tq::Ptr<iHostImage3D>& image) = 0;
@@ -104,6 +105,27 @@ public:
     /// @return null, after "MediaServices::grabScreen() : %s\n" with the reason, where the desktop
     /// does not allow it
     virtual Tq::Ptr<iHostImage> grabScreen(XY<int> size) = 0;
+    /// Records the whole display, with the mouse, into the movie "ScreenCaptureTest.mov" in the
+    /// user's movies folder, in place of an earlier one: H.264, or MPEG-4 where the system has no
+    /// encoder for that. A test facility, deliberately: it blocks for the movie's five seconds, and
+    /// has nothing to give back. Any thread.
+    ///
+    /// A recording that fails, or that the desktop does not allow (Wayland), leaves an earlier
+    /// movie, and prints "MediaServices::beginScreenCapture() : %s\n" with the reason and an
+    /// assertion.
+    ///
+    /// @param path becomes the movie's, when there is one
+    /// @param options not used
+    /// @return null
+    virtual Tq::Ptr<iObject> beginScreenCapture(LightweightString<wchar_t>& path,
+                                                const LightweightString<char>& options) = 0;
+    /// Does nothing, deliberately: a recording ends by itself.
+    virtual void endScreenCapture() = 0;
+
+    /// Always null: sound is not this library's.
+    virtual Tq::Ptr<iAudioBuffer> createAudioBuffer(unsigned int size) = 0;
+    /// Always 0.
+    virtual unsigned int getNumAudioOutputChannels() = 0;
 
     /// Loads an effect file: techniques made of passes, with parameters, textures and samplers.
     ///

@@ -252,7 +252,7 @@ TEST(Slots, WhatLivesOnTheGPU)
         "iMediaServices, effects",
         {slotOf(&M::createShaderEffect), slotOf(&M::compileFXFile), slotOf(&M::create3DEffect),
          slotOf(&M::createGPUSurfaceFont)},
-        slotOf(&M::grabScreen) + 1);
+        slotOf(&M::getNumAudioOutputChannels) + 1);
     using E = iShaderEffect;
     expectOrder("iShaderEffect",
                 {overload<E, bool, const LightweightString<char>&>(&E::setTechnique),

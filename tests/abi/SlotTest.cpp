@@ -5,6 +5,7 @@
 #include <OS/Core/iThreadAtomics.h>
 #include <OS/Core/iUtils.h>
 #include <OS/Devices/iHardwareManager.h>
+#include <OS/Devices/iMIDI.h>
 #include <OS/Files/iFileManager.h>
 #include <OS/Files/iSettings.h>
 #include <OS/Media/iMediaServices.h>
@@ -248,11 +249,18 @@ TEST(Slots, WhatLivesOnTheGPU)
                  slotOf(&M::createGPUImage3D),
                  overload<M, Tq::Ptr<iHostImage3D>, const Tq::Ptr<iGPUImage3D>&>(&M::copyToHost)},
                 slotOf(&M::createHostSurfaceFont) + 1);
+<<<<<<< HEAD
     expectOrder(
         "iMediaServices, effects",
         {slotOf(&M::createShaderEffect), slotOf(&M::compileFXFile), slotOf(&M::create3DEffect),
          slotOf(&M::createGPUSurfaceFont)},
         slotOf(&M::getNumAudioOutputChannels) + 1);
+=======
+    expectOrder("iMediaServices, effects",
+                {slotOf(&M::createShaderEffect), slotOf(&M::compileFXFile),
+                 slotOf(&M::create3DEffect), slotOf(&M::createGPUSurfaceFont)},
+                slotOf(&M::grabScreen) + 1);
+>>>>>>> 2e4180b (Devices: test MIDI against fake services, and say where it stands)
     using E = iShaderEffect;
     expectOrder("iShaderEffect",
                 {overload<E, bool, const LightweightString<char>&>(&E::setTechnique),
@@ -280,3 +288,28 @@ static_assert(sizeof(RectDescription) == 88);
 static_assert(sizeof(iComPort::Config) == 16 && offsetof(iComPort::Config, baudRate) == 8);
 static_assert(sizeof(iEventHandler::KeyEvent) == 20);
 static_assert(sizeof(iEventHandler::WindowEvent) == 8);
+
+TEST(Slots, Midi)
+{
+    using M = iMIDI;
+    using In = iMidiInputDevice;
+    using Out = iMidiOutputDevice;
+    expectOrder("iMIDI",
+                {slotOf(&M::initialise), slotOf(&M::deinitialise),
+                 overload<M, TqResult, In*&, unsigned int, InputCallbackReceiver&>(&M::open),
+                 overload<M, TqResult, Out*&, unsigned int, OutputCallbackReceiver&>(&M::open),
+                 slotOf(&M::getNumInputDevs), slotOf(&M::getNumOutputDevs),
+                 slotOf(&M::getInputDevCaps), slotOf(&M::getOutputDevCaps), slotOf(&M::allocHeader),
+                 slotOf(&M::freeHeader), slotOf(&M::getResultText)});
+    expectOrder("iMidiInputDevice", {slotOf(&In::close), slotOf(&In::start), slotOf(&In::stop),
+                                     slotOf(&In::reset), slotOf(&In::getID)});
+    expectOrder("iMidiOutputDevice",
+                {slotOf(&Out::close), slotOf(&Out::unprepareHeader), slotOf(&Out::shortMsg),
+                 slotOf(&Out::longMsg), slotOf(&Out::reset), slotOf(&Out::getID)});
+    expectOrder("iMIDIHdr",
+                {slotOf(&iMIDIHdr::getFlags), slotOf(&iMIDIHdr::getData),
+                 slotOf(&iMIDIHdr::getBytesRecorded)},
+                0);
+    using R = InputCallbackReceiver;
+    expectOrder("InputCallbackReceiver", {slotOf(&R::handleShortMsg), slotOf(&R::handleLongMsg)});
+}

@@ -130,14 +130,14 @@ int SysExSender::sendPiece(Message& message, std::uint32_t& size)
 }
 
 // After a piece: what remains to be sent has its next time.
-bool SysExSender::isOver(Message& message, int status, std::uint32_t size)
+bool SysExSender::isOver(Message& message, int status, std::uint32_t size) const
 {
     const auto now = Clock::now();
     if (status == -EAGAIN) {
         if (message.lastProgress_ == Clock::time_point{})
             message.lastProgress_ = now; // the first try
         message.due_ = now + kRetry;
-        return message.cancelled_ || now - message.lastProgress_ > kPatience;
+        return message.cancelled_ || now - message.lastProgress_ > patience_;
     }
     if (status != 0)
         return true;

@@ -39,7 +39,8 @@ public:
     static constexpr std::chrono::seconds kPatience{5};
     static constexpr std::size_t kMaxQueued = 65536; // messages, over all ports
 
-    SysExSender() = default;
+    /// @param patience for tests
+    explicit SysExSender(std::chrono::milliseconds patience = kPatience) : patience_(patience) {}
     SysExSender(const SysExSender&) = delete;
     SysExSender& operator=(const SysExSender&) = delete;
     ~SysExSender() { shutDown(); }
@@ -77,10 +78,11 @@ private:
     void run();
     Messages::iterator nextDue(Clock::time_point now, Clock::time_point& wakeAt);
     static int sendPiece(Message& message, std::uint32_t& size);
-    static bool isOver(Message& message, int status, std::uint32_t size);
+    bool isOver(Message& message, int status, std::uint32_t size) const;
     static void complete(Messages& finished);
     int enqueue(Message message);
 
+    const std::chrono::milliseconds patience_;
     std::mutex lock_;
     std::condition_variable sentPiece_;
     EventDescriptor wake_;

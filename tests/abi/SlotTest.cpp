@@ -1,6 +1,7 @@
 // The virtual slots of every interface whose order is published: clients are built against them.
 
 #include <OS.h>
+#include <OS/Compute/iOpenCLGraphicsInterop.h>
 #include <OS/Core/iDLL.h>
 #include <OS/Core/iThreadAtomics.h>
 #include <OS/Core/iUtils.h>
@@ -54,6 +55,12 @@ void expectOrder(const char* interface, const std::vector<std::size_t>& slots,
 
 template <class T, class Result, class... Arguments>
 std::size_t overload(Result (T::*member)(Arguments...))
+{
+    return slotOf(member);
+}
+
+template <class T, class Result, class... Arguments>
+std::size_t overload(Result (T::*member)(Arguments...) const)
 {
     return slotOf(member);
 }
@@ -249,24 +256,50 @@ TEST(Slots, WhatLivesOnTheGPU)
                  slotOf(&M::createGPUImage3D),
                  overload<M, Tq::Ptr<iHostImage3D>, const Tq::Ptr<iGPUImage3D>&>(&M::copyToHost)},
                 slotOf(&M::createHostSurfaceFont) + 1);
-<<<<<<< HEAD
     expectOrder(
         "iMediaServices, effects",
         {slotOf(&M::createShaderEffect), slotOf(&M::compileFXFile), slotOf(&M::create3DEffect),
          slotOf(&M::createGPUSurfaceFont)},
         slotOf(&M::getNumAudioOutputChannels) + 1);
-=======
-    expectOrder("iMediaServices, effects",
-                {slotOf(&M::createShaderEffect), slotOf(&M::compileFXFile),
-                 slotOf(&M::create3DEffect), slotOf(&M::createGPUSurfaceFont)},
-                slotOf(&M::grabScreen) + 1);
->>>>>>> 2e4180b (Devices: test MIDI against fake services, and say where it stands)
     using E = iShaderEffect;
     expectOrder("iShaderEffect",
                 {overload<E, bool, const LightweightString<char>&>(&E::setTechnique),
                  overload<E, bool, unsigned int>(&E::setTechnique), slotOf(&E::hasTechnique),
                  slotOf(&E::setFloat), slotOf(&E::setInt), slotOf(&E::setColour),
                  slotOf(&E::draw)});
+}
+
+TEST(Slots, Compute)
+{
+    expectOrder("iMediaServices, compute",
+                {slotOf(&iMediaServices::createGPUComputeContext),
+                 slotOf(&iMediaServices::getGPUComputeDevices)},
+                slotOf(&iMediaServices::createGPUSurfaceFont) + 1);
+    using C = iGPUComputeContext;
+    using O = iOpenCLContext;
+    using Buffer = Tq::Ptr<iGPUBuffer>;
+    using Image = const Tq::Ptr<iGPUImage>&;
+    expectOrder("iOpenCLContext",
+                {overload<C, Buffer, unsigned int>(&C::createBuffer),
+                 overload<C, Buffer, Image>(&C::createBuffer), slotOf(&C::compileProgram),
+                 slotOf(&O::getImpl), slotOf(&O::getDevice), slotOf(&O::getCommandQueue),
+                 slotOf(&O::prepareBuffers), slotOf(&O::unPrepareBuffers)});
+    using B = iGPUBuffer;
+    expectOrder("iGPUBuffer", {slotOf(&B::acquire), slotOf(&B::release), slotOf(&B::copyToHost)});
+    using P = iGPUProgram;
+    using Kernel = Tq::Ptr<iGPUProgramKernel>;
+    expectOrder("iGPUProgram",
+                {slotOf(&P::getNumKernels), overload<P, Kernel, unsigned short>(&P::getKernel),
+                 overload<P, Kernel, const LightweightString<char>&>(&P::getKernel)});
+    using K = iGPUProgramKernel;
+    expectOrder("iGPUProgramKernel",
+                {slotOf(&K::getName), overload<K, bool, unsigned char, short>(&K::setArg),
+                 overload<K, bool, unsigned char, float>(&K::setArg),
+                 overload<K, bool, unsigned char, const Buffer&>(&K::setArg), slotOf(&K::execute1D),
+                 slotOf(&K::execute2D)});
+    using I = iOpenCLGraphicsInterop;
+    expectOrder("iOpenCLGraphicsInterop", {slotOf(&I::createBuffer), slotOf(&I::prepareBuffers),
+                                           slotOf(&I::unPrepareBuffers)});
 }
 
 TEST(Slots, TheEventHandlersOperations)

@@ -49,6 +49,9 @@ public:
     Tq::Ptr<iFont> createGPUSurfaceFont(const LightweightString<wchar_t>& name, unsigned int size,
                                         unsigned int flags) override;
 
+    Tq::Ptr<iGPUComputeContext> createGPUComputeContext(iGPUComputeContext::eType type) override;
+    void getGPUComputeDevices(std::vector<GPUComputeDevice>& devices) override;
+
 private:
     static Host::ScreenGrabber& screenGrabber();
 };

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <OS/Compute/GPUComputeDevice.h>
+#include <OS/Compute/iGPUComputeContext.h>
 #include <OS/Core/LightweightString.h>
 #include <OS/Core/Ptr.h>
 #include <OS/Core/iDLL.h>
@@ -145,4 +147,15 @@ public:
     /// @param name, size, flags as for createHostSurfaceFont
     virtual Tq::Ptr<iFont> createGPUSurfaceFont(const LightweightString<wchar_t>& name,
                                                 unsigned int size, unsigned int flags) = 0;
+
+    /// A context for compute on a GPU, which shares images with GL where GL has been started: make
+    /// something on the GPU first. Any thread; takes the GL lock.
+    /// @return null for another type than iGPUComputeContext::eOpenCL, and after the timed log line
+    ///         "OpenCLContext::make() : Failed to find any CL platforms" or
+    ///         "OpenCLContext::make() : Failed to create a cl_context"
+    virtual Tq::Ptr<iGPUComputeContext> createGPUComputeContext(iGPUComputeContext::eType type) = 0;
+    /// Appends every device that a compute runtime offers, GPU or not, and which of them a context
+    /// made now would be on: it tries them as that does, without a line. Any thread; takes the GL
+    /// lock.
+    virtual void getGPUComputeDevices(std::vector<GPUComputeDevice>& devices) = 0;
 };

@@ -1,14 +1,32 @@
 // The operations of MediaServices that are about shader effects.
 #include "OS/Mac/Media/MediaServices.h"
 
-Tq::Ptr<iShaderEffect> MediaServices::createShaderEffect(const LightweightString<wchar_t>&)
+#include "OS/Host/EffectCompiler/EffectRuntime.h"
+#include "OS/Mac/Effects/FXFile.h"
+#include "OS/Mac/Effects/OpenGLShaderEffect.h"
+#include "OS/Mac/OpenGL/Contexts/OpenGLUtils.h"
+
+namespace {
+
+bool canUseGPU()
 {
-    return {};
+    OpenGLUtils::instance();
+    return OpenGLUtils::isInitialised();
 }
 
-Tq::Ptr<iFXFile> MediaServices::compileFXFile(const LightweightString<wchar_t>&)
+} // namespace
+
+Tq::Ptr<iShaderEffect> MediaServices::createShaderEffect(const LightweightString<wchar_t>& path)
 {
-    return {};
+    if (!canUseGPU())
+        return {};
+    EffectCompiler::Context context;
+    return OpenGLShaderEffect::load(&context, "glslf", path).effect;
+}
+
+Tq::Ptr<iFXFile> MediaServices::compileFXFile(const LightweightString<wchar_t>& path)
+{
+    return new FXFile(path);
 }
 
 Tq::Ptr<i3DEffect> MediaServices::create3DEffect()

@@ -20,8 +20,8 @@
 /// the time, with its viewport, or one of the effect's own render targets on the way there.
 /// Pictures are premultiplied, their row 0 is the top one, their texture coordinates run from 0 to
 /// 1 each way, downwards from the top. TEXCOORDn is the place in the picture of input n, and that
-/// of input 0 where there is no such picture; in a render target, the place in the whole of what is
-/// drawn, so that a later pass finds at (s, t) what an earlier one drew there.
+/// of input 0 where there is none; TEXCOORD7 is the place in the whole of what is drawn, which is
+/// also where a later pass finds what an earlier one drew.
 class OS_API iShaderEffectBase : public iObject
 {
 public:

@@ -150,6 +150,23 @@ bool ImagePlacement::takesInAll(const XY<int>& size) const
            isNear(limits_.bottom, size.y);
 }
 
+ImageDescriptionEx::Rect ImagePlacement::source() const
+{
+    return {static_cast<float>(source_.left), static_cast<float>(source_.top),
+            static_cast<float>(source_.right), static_cast<float>(source_.bottom)};
+}
+
+ImageDescriptionEx::Rect ImagePlacement::dest() const
+{
+    return {static_cast<float>(dest_.left), static_cast<float>(dest_.top),
+            static_cast<float>(dest_.right), static_cast<float>(dest_.bottom)};
+}
+
+ImagePlacement ImagePlacement::asShares() const
+{
+    return {Area{0.0, 0.0, 1.0, 1.0}, dest_};
+}
+
 // Where nothing is scaled the middles of pixels come out as the middles of texels.
 void ImagePlacement::addTo(std::vector<ImageVertex>& quads) const
 {

@@ -42,6 +42,11 @@ public:
     /// edges, is enough.
     bool takesInAll(const XY<int>& size) const;
 
+    ImageDescriptionEx::Rect source() const;
+    ImageDescriptionEx::Rect dest() const;
+    /// With the source counted in shares of itself.
+    ImagePlacement asShares() const;
+
     void addTo(std::vector<ImageVertex>& quads) const;
     void addTo(std::vector<ScaledImageVertex>& quads) const;
 

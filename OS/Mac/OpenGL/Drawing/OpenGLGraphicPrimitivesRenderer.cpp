@@ -1,27 +1,11 @@
 #include "OS/Mac/OpenGL/Drawing/OpenGLGraphicPrimitivesRenderer.h"
 
 #include "OS/Mac/OpenGL/Drawing/DrawingResources.h"
+#include "OS/Mac/OpenGL/Drawing/ReadablePicture.h"
 
 using namespace GLDrawing;
 
 namespace {
-
-// The texture that the current framebuffer draws into; 0 for a window's.
-GLuint drawnTexture()
-{
-    GLint framebuffer = 0;
-    glGetIntegerv(GL_FRAMEBUFFER_BINDING, &framebuffer);
-    if (framebuffer == 0)
-        return 0;
-    GLint kind = GL_NONE, name = 0;
-    glGetFramebufferAttachmentParameteriv(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0,
-                                          GL_FRAMEBUFFER_ATTACHMENT_OBJECT_TYPE, &kind);
-    if (kind != GL_TEXTURE)
-        return 0;
-    glGetFramebufferAttachmentParameteriv(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0,
-                                          GL_FRAMEBUFFER_ATTACHMENT_OBJECT_NAME, &name);
-    return static_cast<GLuint>(name);
-}
 
 // The viewport is where the target's pixels are, however a fraction of one was rounded.
 DrawingTarget currentTarget(const XY<int>& logicalSize, double ratio, bool firstRowAtBottom)

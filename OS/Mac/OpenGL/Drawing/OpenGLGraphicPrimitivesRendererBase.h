@@ -61,7 +61,7 @@ public:
     /// at replace.
     void renderMulti(const ImageDescription* descs, unsigned int count) override;
     /// Without an effect the image is drawn as it is; with one whose technique is not known,
-    /// nothing.
+    /// nothing. An effect sees the part alone, whole pixels of it.
     void renderMulti(const ImageDescriptionEx* descs, unsigned int count) override;
 
 protected:
@@ -73,6 +73,9 @@ protected:
 private:
     class Shapes;
     class Images;
+
+    void drawWithoutEffects(const ImageDescriptionEx* descs, const ImageDescriptionEx* end);
+    void drawWithEffect(const ImageDescriptionEx& desc);
 
     GLDrawing::DrawingTarget target_;
     GLuint targetTexture_;

@@ -224,33 +224,17 @@ void OpenGLGraphicPrimitivesRendererBase::renderMulti(const ImageDescription* de
     images.flush();
 }
 
-namespace {
-
-// Whether an image can be drawn with a technique: only without an effect, as it is. An effect that
-// offers no technique of that name draws nothing, and effects offer none so far as a description
-// carries them.
-bool isDrawable(const ShaderTechnique& technique)
+void OpenGLGraphicPrimitivesRendererBase::drawWithoutEffects(const ImageDescriptionEx* descs,
+                                                             const ImageDescriptionEx* end)
 {
-    return !technique.effect_;
-}
-
-} // namespace
-
-void OpenGLGraphicPrimitivesRendererBase::renderMulti(const ImageDescriptionEx* descs,
-                                                      unsigned int count)
-{
-    if (count == 0 || clip_.isEmpty())
-        return;
     Images images(*this);
     const auto placementOf = [this](const ImageDescriptionEx& desc) {
         return ImagePlacement(desc.sourceRect_, desc.destRect_, target_.ratio);
     };
-    for (const ImageDescriptionEx* desc = descs; desc != descs + count; ++desc)
-        if (isDrawable(desc->technique_))
-            images.announce(desc->image_.get(), placementOf(*desc));
-    for (const ImageDescriptionEx* desc = descs; desc != descs + count; ++desc)
-        if (isDrawable(desc->technique_))
-            images.draw(desc->image_.get(), placementOf(*desc), desc->blend_, 1.0f);
+    for (const ImageDescriptionEx* desc = descs; desc != end; ++desc)
+        images.announce(desc->image_.get(), placementOf(*desc));
+    for (const ImageDescriptionEx* desc = descs; desc != end; ++desc)
+        images.draw(desc->image_.get(), placementOf(*desc), desc->blend_, 1.0f);
     images.flush();
 }
 

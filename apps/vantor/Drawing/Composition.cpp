@@ -3,6 +3,8 @@
 #include "Drawing/PictureScaler.h"
 
 #include <algorithm>
+#include <cmath>
+#include <optional>
 
 namespace Vantor {
 
@@ -67,14 +69,67 @@ void drawTitle(const Composition& c, const Clip& clip)
 
 } // namespace
 
-void drawComposition(const Composition& c)
+namespace {
+
+// Without GL a page turn is a wipe: the new picture is uncovered from the right.
+void drawPassage(const Composition& c, const Passage& passage)
 {
     const Rect& picture = c.picture;
-    c.canvas.fill(picture, Theme::kBlack);
-    const Clip* shown = clipAt(c, Track::ePicture);
-    const Clip* effect = clipAt(c, Track::eEffect);
-    if (shown && drawClipPicture(c, *shown, picture, 1.0f) && effect)
+    drawClipAlone(c, passage.from);
+    if (passage.kind == Entrance::eDissolve) {
+        const Tq::Ptr<iHostImage> comes = c.canvas.resources().blank(picture);
+        if (!comes)
+            return;
+        {
+            Canvas canvas(c.canvas.resources(), comes->getPrimitivesRenderer(true));
+            const Rect whole{0, 0, picture.width(), picture.height()};
+            drawClipAlone({canvas, c.icons, c.pictures, c.project, c.bin, c.rate, c.frame, whole},
+                          passage.to);
+        }
+        c.canvas.picture(comes, picture, passage.progress);
+        return;
+    }
+    const int part =
+        static_cast<int>(std::lround(passage.progress * static_cast<float>(picture.width())));
+    if (part == 0)
+        return;
+    const bool turns = passage.kind == Entrance::ePageTurn;
+    c.canvas.clip(turns ? Rect{picture.right - part, picture.top, picture.right, picture.bottom}
+                        : Rect{picture.left, picture.top, picture.left + part, picture.bottom});
+    drawClipAlone(c, passage.to);
+    c.canvas.endClip();
+}
+
+} // namespace
+
+bool drawClipAlone(const Composition& c, int clip)
+{
+    c.canvas.fill(c.picture, Theme::kBlack);
+    return drawClipPicture(c, c.project.clips[static_cast<std::size_t>(clip)], c.picture, 1.0f);
+}
+
+bool drawPictureLayer(const Composition& c)
+{
+    if (const std::optional<Passage> passage = c.project.passageAt(Track::ePicture, c.frame)) {
+        drawPassage(c, *passage);
+        return true;
+    }
+    const int shown = c.project.clipAt(Track::ePicture, c.frame);
+    if (shown != Project::kNone)
+        return drawClipAlone(c, shown);
+    c.canvas.fill(c.picture, Theme::kBlack);
+    return false;
+}
+
+void drawEffectLayer(const Composition& c)
+{
+    if (const Clip* effect = clipAt(c, Track::eEffect))
         drawEffect(c, *effect);
+}
+
+void drawOverlayLayer(const Composition& c)
+{
+    const Rect& picture = c.picture;
     if (const Clip* clip = clipAt(c, Track::eOverlay)) {
         const int width = picture.width() * 36 / 100;
         const int height = picture.height() * 36 / 100;
@@ -82,8 +137,20 @@ void drawComposition(const Composition& c)
         const int top = picture.top + picture.height() * 9 / 100;
         drawClipPicture(c, *clip, {right - width, top, right, top + height}, kOverlayOpacity);
     }
+}
+
+void drawTitleLayer(const Composition& c)
+{
     if (const Clip* clip = clipAt(c, Track::eTitle))
         drawTitle(c, *clip);
+}
+
+void drawComposition(const Composition& c)
+{
+    if (drawPictureLayer(c))
+        drawEffectLayer(c);
+    drawOverlayLayer(c);
+    drawTitleLayer(c);
 }
 
 } // namespace Vantor

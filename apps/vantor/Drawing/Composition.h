@@ -24,6 +24,15 @@ struct Composition
 
 /// Draws the frame: picture, effect, overlay and title. On whatever thread the canvas may be used.
 void drawComposition(const Composition& composition);
+/// Its layers, from below: drawComposition() is all of them.
+/// @return whether there is a picture that an effect can change
+bool drawPictureLayer(const Composition& composition);
+void drawEffectLayer(const Composition& composition);
+void drawOverlayLayer(const Composition& composition);
+void drawTitleLayer(const Composition& composition);
+/// A clip's picture alone, on black; beyond its ends it goes on, or stands still.
+/// @return whether it is there
+bool drawClipAlone(const Composition& composition, int clip);
 
 /// Stands in for a picture that is not there.
 void drawMissing(Canvas& canvas, Icons& icons, const Rect& rect, const Text& words);

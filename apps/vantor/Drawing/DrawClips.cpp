@@ -88,6 +88,27 @@ void drawClip(Scene& scene, int index, const Clip& clip)
             canvas.fill({x, rect.top, x + 3, rect.bottom}, Theme::kText);
 }
 
+/// Where a clip comes in by a transition: two wedges, the one that goes over the one that comes.
+void drawEntrance(Scene& scene, int index)
+{
+    const Project& project = scene.state.project;
+    const Project::Room room = project.passageOf(index);
+    if (room.from == room.to)
+        return;
+    Clip span = project.clips[static_cast<std::size_t>(index)];
+    span.start = room.from;
+    span.length = room.to - room.from;
+    const Rect clip = clipRect(scene.state, scene.layout, span);
+    const Rect& lanes = scene.layout.lanes;
+    if (clip.right <= lanes.left || clip.left >= lanes.right || clip.width() < 4)
+        return;
+    const Rect mark{clip.left, clip.bottom - 14, clip.right, clip.bottom - 2};
+    scene.canvas.wash(mark, Theme::kBlack, 0.55f);
+    scene.canvas.curve({mark.left, mark.bottom - 1}, {mark.left, mark.bottom - 1},
+                       {mark.right, mark.top}, {mark.right, mark.top}, Theme::kKey, 1);
+    scene.canvas.washFrame(mark, Theme::kWhite, 0.35f);
+}
+
 } // namespace
 
 void drawClips(Scene& scene)
@@ -95,6 +116,8 @@ void drawClips(Scene& scene)
     const EditorState& state = scene.state;
     for (std::size_t i = 0; i < state.project.clips.size(); ++i)
         drawClip(scene, static_cast<int>(i), state.project.clips[i]);
+    for (std::size_t i = 0; i < state.project.clips.size(); ++i)
+        drawEntrance(scene, static_cast<int>(i));
 
     const Clip dropped = clipToDrop(state, scene.layout);
     if (dropped.length > 0) {

@@ -13,7 +13,9 @@ void drawEditor(Scene& scene)
     drawTopBar(scene);
     drawMediaBin(scene);
     drawViewer(scene);
+    drawEffects(scene);
     drawTimeline(scene);
+    drawScopes(scene);
     drawStatusLine(scene);
     for (const auto& [edge, area] : {std::pair{scene.layout.binEdge, Area::eBinEdge},
                                      std::pair{scene.layout.timelineEdge, Area::eTimelineEdge}}) {

@@ -64,6 +64,10 @@ Text chipText(const EditorState& state, ViewerChip chip, int pictureWidth)
         const Text percent = decimal(zoomPercent(pictureWidth, state.choices.ratio)) + L" %";
         return state.choices.viewer.zoom == ViewerZoom::eFit ? L"Fit " + percent : percent;
     }
+    case ViewerChip::eEffects:
+        return L"FX";
+    case ViewerChip::eScopes:
+        return L"Scopes";
     default:
         return {};
     }
@@ -81,6 +85,10 @@ bool isOn(const EditorState& state, ViewerChip chip)
         return viewer.timeCode;
     case ViewerChip::eFrameNumber:
         return viewer.frameNumber;
+    case ViewerChip::eEffects:
+        return state.choices.effects;
+    case ViewerChip::eScopes:
+        return state.choices.scopes;
     case ViewerChip::eFullScreen:
         return state.fullScreen;
     default:

@@ -32,6 +32,8 @@ void drawTopBar(Scene& scene);
 void drawMediaBin(Scene& scene);
 void drawViewer(Scene& scene);
 void drawTransport(Scene& scene);
+void drawEffects(Scene& scene);
+void drawScopes(Scene& scene);
 void drawTimeline(Scene& scene);
 void drawClips(Scene& scene);
 void drawRuler(Scene& scene);

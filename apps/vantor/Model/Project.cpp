@@ -22,6 +22,56 @@ int Project::clipAt(Track track, int frame) const
     return kNone;
 }
 
+int Project::clipBefore(int index) const
+{
+    const Clip& clip = clips[static_cast<std::size_t>(index)];
+    for (std::size_t i = 0; i < clips.size(); ++i)
+        if (clips[i].track == clip.track && clips[i].end() == clip.start)
+            return static_cast<int>(i);
+    return kNone;
+}
+
+Project::Room Project::passageOf(int index) const
+{
+    const Clip& clip = clips[static_cast<std::size_t>(index)];
+    const int before = clip.entrance == Entrance::eCut ? kNone : clipBefore(index);
+    if (before == kNone)
+        return {clip.start, clip.start};
+    const int half = kPassage / 2;
+    return {clip.start - std::min(half, clips[static_cast<std::size_t>(before)].length / 2),
+            clip.start + std::min(half, clip.length / 2)};
+}
+
+std::optional<Passage> Project::passageAt(Track track, int frame) const
+{
+    for (std::size_t i = 0; i < clips.size(); ++i) {
+        if (clips[i].track != track || clips[i].entrance == Entrance::eCut)
+            continue;
+        const int index = static_cast<int>(i);
+        const Room room = passageOf(index);
+        if (room.from <= frame && frame < room.to)
+            return Passage{clipBefore(index), index, clips[i].entrance,
+                           static_cast<float>(frame - room.from) /
+                               static_cast<float>(room.to - room.from)};
+    }
+    return std::nullopt;
+}
+
+int Project::nearestCut(Track track, int frame) const
+{
+    int nearest = kNone;
+    for (std::size_t i = 0; i < clips.size(); ++i) {
+        const int index = static_cast<int>(i);
+        if (clips[i].track != track || clipBefore(index) == kNone)
+            continue;
+        if (nearest == kNone ||
+            std::abs(clips[i].start - frame) <
+                std::abs(clips[static_cast<std::size_t>(nearest)].start - frame))
+            nearest = index;
+    }
+    return nearest;
+}
+
 int Project::contentEnd() const
 {
     int end = 0;
@@ -170,7 +220,8 @@ Project sampleProject()
     add(Track::eTitle, fromSeconds(6, 7), fromSeconds(10, 18), L"Harbour");
     add(Track::eOverlay, fromSeconds(14), fromSeconds(19), L"chart.tif");
     add(Track::ePicture, 0, fromSeconds(7, 12), L"dawn.jpg");
-    add(Track::ePicture, fromSeconds(7, 12), fromSeconds(14), L"pier.jpg");
+    add(Track::ePicture, fromSeconds(7, 12), fromSeconds(14), L"pier.jpg").entrance =
+        Entrance::eDissolve;
     add(Track::ePicture, fromSeconds(15), fromSeconds(23), L"quay.bmp");
     add(Track::eEffect, 0, fromSeconds(7, 12), L"warm").keys = {{6, 0.1f}, {93, 0.8f}, {180, 0.2f}};
     Clip& fade = add(Track::eEffect, fromSeconds(7, 12), fromSeconds(19), L"fade");

@@ -3,6 +3,7 @@
 #include "Model/Text.h"
 
 #include <array>
+#include <optional>
 #include <vector>
 
 namespace Vantor {
@@ -33,6 +34,16 @@ enum class Effect : int
     eFade
 };
 
+/// How a picture takes the place of the one before it on its track.
+enum class Entrance : int
+{
+    eCut,
+    eDissolve,
+    eWipe,
+    ePageTurn
+};
+constexpr int kEntrances = 4;
+
 /// A stretch of time on one track. Clips of a track never overlap.
 struct Clip
 {
@@ -43,6 +54,7 @@ struct Clip
     Effect effect = Effect::eWarm;
     std::vector<Keyframe> keys; ///< of an effect, in order of time
     int offset = 0;             ///< frames of what moves that lie before the start; may be negative
+    Entrance entrance = Entrance::eCut; ///< where the clip before it ends just at its start
 
     int end() const { return start + length; }
     bool holds(int frame) const { return start <= frame && frame < end(); }
@@ -50,11 +62,21 @@ struct Clip
     friend bool operator==(const Clip&, const Clip&) = default;
 };
 
+/// Two clips in the middle of a transition.
+struct Passage
+{
+    int from; ///< the clip that goes; an index
+    int to;   ///< the clip that comes
+    Entrance kind;
+    float progress; ///< 0 at the first frame's start, below 1
+};
+
 /// Everything that is edited: plain data, copied for undo.
 struct Project
 {
     static constexpr int kShortest = 5; ///< frames that a clip has at least
     static constexpr int kNone = -1;
+    static constexpr int kPassage = 24; ///< frames of a transition, where both clips have them
 
     Text title = L"Untitled";
     int length = 0; ///< frames; at least the end of the last clip
@@ -62,14 +84,24 @@ struct Project
 
     /// The index of the clip at a frame of a track, or kNone.
     int clipAt(Track track, int frame) const;
-    /// The end of the last clip.
-    int contentEnd() const;
-    /// The frames between which a clip can be moved and stretched: its neighbours on the track.
+    /// The clip that ends just where a clip starts, on the same track, or kNone.
+    int clipBefore(int clip) const;
+    /// The frames in which a clip comes in by a transition; none for a cut, and where no clip
+    /// stands before it. Half of them lie before its start, as far as both clips reach.
     struct Room
     {
         int from;
         int to;
     };
+    Room passageOf(int clip) const;
+    /// What transition a track is in at a frame.
+    std::optional<Passage> passageAt(Track track, int frame) const;
+    /// The clip of a track whose start is nearest to a frame and stands at the end of another, or
+    /// kNone.
+    int nearestCut(Track track, int frame) const;
+    /// The end of the last clip.
+    int contentEnd() const;
+    /// The frames between which a clip can be moved and stretched: its neighbours on the track.
     Room roomAround(int clip) const;
 
     /// Moves a clip to where it was asked to go, or to the nearest free place of its track.

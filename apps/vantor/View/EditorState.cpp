@@ -43,6 +43,18 @@ Hit hitClip(const EditorState& state, const Layout& layout, int index, const Poi
     return {Area::eClip, index};
 }
 
+Hit hitEffects(const Layout& layout, const Point& p)
+{
+    for (std::size_t i = 0; i < layout.effectButtons.size(); ++i)
+        if (layout.effectButtons[i].contains(p))
+            return {Area::eEffectButton, static_cast<int>(i)};
+    if (layout.sliders.contains(p))
+        for (int i = 0; i < layout.sliderCount; ++i)
+            if (layout.slider(i).contains(p))
+                return {Area::eSlider, i};
+    return {Area::eEffects, 0};
+}
+
 Hit hitTimeline(const EditorState& state, const Layout& layout, const Point& p)
 {
     const double playhead = state.view.xOf(state.player.frame(), layout.lanes.left);
@@ -80,6 +92,14 @@ bool EditorState::canUse(int button) const
     }
 }
 
+bool EditorState::canFocus(Focus place) const
+{
+    const int button = static_cast<int>(place) - static_cast<int>(Focus::eBackwards);
+    if (0 <= button && button < Layout::kButtons)
+        return canUse(button);
+    return place != Focus::eEffects || choices.effects;
+}
+
 EditorState makeEditorState(MediaBin bin, const Text& title)
 {
     EditorState state;
@@ -106,7 +126,10 @@ EditorState makeEditorState(MediaBin bin, const Text& title)
 
 Layout layoutOf(const EditorState& state)
 {
-    return makeLayout(state.size, state.choices);
+    LayoutChoices choices = state.choices;
+    choices.sliders = static_cast<int>(state.effects.controls.size());
+    choices.sliderScroll = state.effects.scroll;
+    return makeLayout(state.size, choices);
 }
 
 Hit hitTest(const EditorState& state, const Layout& layout, const Point& p)
@@ -127,6 +150,10 @@ Hit hitTest(const EditorState& state, const Layout& layout, const Point& p)
             return {Area::eChip, static_cast<int>(i)};
     if (layout.viewer.contains(p))
         return {Area::eViewer, 0};
+    if (layout.effects.contains(p))
+        return hitEffects(layout, p);
+    if (layout.scopes.contains(p))
+        return {Area::eScopes, 0};
     if (layout.timeline.contains(p))
         return hitTimeline(state, layout, p);
     return {};

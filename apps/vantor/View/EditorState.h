@@ -1,7 +1,9 @@
 #pragma once
 
+#include "Model/EffectPanel.h"
 #include "Model/MediaBin.h"
 #include "Model/Project.h"
+#include "Model/ScopeReading.h"
 #include "Model/TextField.h"
 #include "Model/TimeView.h"
 #include "Model/Transport.h"
@@ -23,8 +25,12 @@ enum class Area
     eBinEdge,
     eTimelineEdge,
     eViewer,
-    eChip,   ///< the index is a ViewerChip
-    eButton, ///< the index is the button's
+    eChip,         ///< the index is a ViewerChip
+    eButton,       ///< the index is the button's
+    eEffectButton, ///< the index is an EffectButton
+    eEffects,
+    eSlider, ///< the index is the slider's
+    eScopes,
     eRuler,
     ePlayhead,
     eClip, ///< the index is the clip's; so for its two edges
@@ -52,9 +58,10 @@ enum class Focus : int
     eBackwards,
     eStop,
     eForwards,
+    eEffects,
     eTimeline
 };
-constexpr int kFocusCount = 7;
+constexpr int kFocusCount = 8;
 
 /// What is being dragged since the button went down.
 struct Drag
@@ -70,7 +77,8 @@ struct Drag
         eText,
         eBinEdge,
         eTimelineEdge,
-        eShift ///< of the viewer's picture
+        eShift, ///< of the viewer's picture
+        eSlider
     };
     Kind kind = Kind::eNone;
     int index = -1;
@@ -102,6 +110,8 @@ struct EditorState
     MediaBin bin;
     Transport player;
     TimeView view;
+    EffectPanel effects;
+    ScopeReading scopes;
 
     int selectedClip = Project::kNone;
     Focus focus = Focus::eTimeline;
@@ -126,6 +136,8 @@ struct EditorState
     bool editingText() const { return focus == Focus::eTitle || focus == Focus::eFilter; }
     TextField& activeField() { return focus == Focus::eTitle ? titleField : filterField; }
     bool canUse(int button) const;
+    /// Whether the keyboard can go there.
+    bool canFocus(Focus place) const;
     int changes() const { return static_cast<int>(done.size()); }
 };
 

@@ -89,6 +89,13 @@ void Interaction::press(const Point& point, std::uint32_t modifiers, std::int64_
     case Area::eViewer:
         pressViewer(point, twice);
         break;
+    case Area::eSlider:
+        pressSlider(hit.index, point, twice);
+        break;
+    case Area::eEffects:
+    case Area::eEffectButton:
+        focusOn(Focus::eEffects, false);
+        break;
     case Area::eLane:
     case Area::eHead:
         focusOn(Focus::eTimeline, false);
@@ -164,7 +171,8 @@ void Interaction::move(const Point& point)
     if (state_.drag.kind != Drag::Kind::eNone) {
         if (!closeTo(point, state_.drag.from, kDragStart))
             state_.drag.moved = true;
-        if (state_.drag.moved || state_.drag.kind == Drag::Kind::ePlayhead)
+        if (state_.drag.moved || state_.drag.kind == Drag::Kind::ePlayhead ||
+            state_.drag.kind == Drag::Kind::eSlider)
             dragTo(point);
         return;
     }
@@ -191,6 +199,9 @@ void Interaction::dragTo(const Point& point)
         break;
     case Drag::Kind::eShift:
         dragShift(point);
+        break;
+    case Drag::Kind::eSlider:
+        dragSlider(point);
         break;
     case Drag::Kind::eBinEdge:
         state_.choices.binWidth = std::max(1, point.x - state_.drag.grab - layout.bin.left);
@@ -283,6 +294,8 @@ void Interaction::release(const Point& point)
         pressButton(hit.index);
     if (state_.pressed.area == Area::eChip && hit == state_.pressed)
         pressChip(hit.index);
+    if (state_.pressed.area == Area::eEffectButton && hit == state_.pressed)
+        pressEffectButton(hit.index);
     state_.pressed = {};
     state_.hover = hit;
     settle();
@@ -313,6 +326,8 @@ void Interaction::wheel(const Point& point, int direction, std::uint32_t modifie
                                    direction > 0 ? kZoomStep : 1.0 / kZoomStep);
     } else if (layout.bin.contains(point)) {
         state_.bin.scroll -= direction * layout.rowHeight() / 2;
+    } else if (layout.effects.contains(point)) {
+        state_.effects.scroll -= direction * layout.slider(0).height();
     }
     settle();
     state_.hover = hitTest(state_, layoutOf(state_), point);
@@ -364,6 +379,7 @@ void Interaction::settle()
         soundShift(layout.screen, state_.choices.ratio, state_.choices.viewer);
     const int count = static_cast<int>(state_.bin.visible().size());
     state_.bin.scroll = std::clamp(state_.bin.scroll, 0, layout.scrollRange(count));
+    state_.effects.scroll = std::clamp(state_.effects.scroll, 0, layout.sliderScrollRange());
 }
 
 } // namespace Vantor

@@ -40,6 +40,12 @@ private:
     void pressViewer(const Point& point, bool twice);
     void pressButton(int button);
     void pressChip(int chip);
+    void pressEffectButton(int button);
+    void pressSlider(int slider, const Point& point, bool twice);
+    void chooseEffect(int direction);
+    void dragSlider(const Point& point);
+    bool effectsKey(std::uint32_t code, std::uint32_t modifiers);
+    void changeEntrance();
     void changeRate(int by, bool around);
     void zoomViewer(ViewerZoom zoom);
     void dragTo(const Point& point);

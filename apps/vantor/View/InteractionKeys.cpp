@@ -27,8 +27,7 @@ void Interaction::moveFocus(int direction)
     leaveField(true);
     for (int i = 0; i < kFocusCount; ++i) {
         next = (next + direction + kFocusCount) % kFocusCount;
-        const int button = next - static_cast<int>(Focus::eBackwards);
-        if (button < 0 || button >= Layout::kButtons || state_.canUse(button))
+        if (state_.canFocus(static_cast<Focus>(next)))
             break;
     }
     focusOn(static_cast<Focus>(next), true);
@@ -88,6 +87,8 @@ void Interaction::key(std::uint32_t code, std::uint32_t modifiers)
     if (commandKey(code, modifiers))
         return;
     if (state_.focus == Focus::eBin && binKey(code))
+        return;
+    if (state_.focus == Focus::eEffects && effectsKey(code, modifiers))
         return;
     const int button = static_cast<int>(state_.focus) - static_cast<int>(Focus::eBackwards);
     const bool onButton = button >= 0 && button < Layout::kButtons;
@@ -249,6 +250,10 @@ void Interaction::transportKey(std::uint32_t code, std::uint32_t modifiers)
     case Key::eEnd:
         player.step(player.length());
         break;
+    case 'x':
+    case 'X':
+        changeEntrance();
+        return;
     case Key::eUp:
         player.seek(state_.project.previousEdge(player.frame()));
         break;

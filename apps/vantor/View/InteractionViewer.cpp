@@ -43,6 +43,14 @@ void Interaction::pressChip(int chip)
     case ViewerChip::eZoom:
         zoomViewer(static_cast<ViewerZoom>((static_cast<int>(viewer.zoom) + 1) % kViewerZooms));
         break;
+    case ViewerChip::eEffects:
+        state_.choices.effects = !state_.choices.effects;
+        if (!state_.canFocus(state_.focus))
+            focusOn(Focus::eTimeline, false);
+        break;
+    case ViewerChip::eScopes:
+        state_.choices.scopes = !state_.choices.scopes;
+        break;
     case ViewerChip::eFullScreen:
         state_.fullScreen = true;
         break;
@@ -101,6 +109,18 @@ bool Interaction::viewerKey(std::uint32_t code)
     case 'n':
     case 'N':
         viewer.frameNumber = !viewer.frameNumber;
+        return true;
+    case 'e':
+    case 'E':
+        pressChip(static_cast<int>(ViewerChip::eEffects));
+        return true;
+    case 'w':
+    case 'W':
+        pressChip(static_cast<int>(ViewerChip::eScopes));
+        return true;
+    case ',':
+    case '.':
+        chooseEffect(code == '.' ? 1 : -1);
         return true;
     case '[':
     case ']':

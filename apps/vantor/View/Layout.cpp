@@ -21,18 +21,27 @@ constexpr int kTransport = 40;
 constexpr int kTileLabel = 20;
 constexpr int kTile = 132;
 constexpr int kPadding = 12;
-constexpr int kChipWidths[Layout::kChips] = {40, 40, 30, 34, 62, 62, 26};
+constexpr int kChipWidths[Layout::kChips] = {40, 40, 30, 34, 62, 62, 28, 50, 26};
 
 constexpr int kNarrowestBin = 240;
-constexpr int kNarrowestViewer = 420;
+constexpr int kNarrowestViewer = 460;
+constexpr int kNarrowestSide = 216;
+constexpr int kWidestSide = 400;
+constexpr int kSlider = 38;
 constexpr int kLowestTimeline = kRuler + Layout::kTracks * (kTrack + kTrackGap) + kMargin;
 constexpr int kHighestTimeline = kRuler + Layout::kTracks * (kTallestTrack + kTrackGap) + kMargin;
 constexpr int kLowestPanels = 200;
 
-int binWidthFor(const Point& size, int wanted)
+/// The width of the panels at the right.
+int sideWidthFor(const Point& size)
+{
+    return std::clamp(248 + (size.x - 1280) / 10, kNarrowestSide, kWidestSide);
+}
+
+int binWidthFor(const Point& size, int side, int wanted)
 {
     const int fallback = 296 + std::max(0, size.x - 1280) / 8;
-    const int widest = size.x - 3 * kMargin - kNarrowestViewer;
+    const int widest = size.x - 3 * kMargin - kNarrowestViewer - side;
     return std::clamp(wanted > 0 ? wanted : fallback, kNarrowestBin, widest);
 }
 
@@ -80,6 +89,39 @@ void layOutViewer(Layout& l, const LayoutChoices& choices)
     }
 }
 
+void layOutEffects(Layout& l, const LayoutChoices& choices)
+{
+    l.sliderCount = choices.sliders;
+    l.sliderScroll = choices.sliderScroll;
+    if (!l.effects.hasArea())
+        return;
+    l.effectsHeader = {l.effects.left, l.effects.top, l.effects.right, l.effects.top + kHeader};
+    const int top = l.effectsHeader.bottom + kMargin;
+    const int left = l.effects.left + kPadding;
+    const int right = l.effects.right - kPadding;
+    l.effectButtons = {Rect{left, top, left + 22, top + 22}, Rect{right - 22, top, right, top + 22},
+                       Rect{l.effects.right - 52, l.effectsHeader.top + 4, l.effects.right - 6,
+                            l.effectsHeader.bottom - 4}};
+    l.effectName = {left + 26, top, right - 26, top + 22};
+    l.sliders = {l.effects.left, l.effectName.bottom + kMargin, l.effects.right, l.effects.bottom};
+    l.trouble = {left, l.sliders.top, right, l.effects.bottom - kMargin};
+}
+
+void layOutScopes(Layout& l)
+{
+    if (!l.scopes.hasArea())
+        return;
+    l.scopesHeader = {l.scopes.left, l.scopes.top, l.scopes.right, l.scopes.top + kRuler};
+    const Rect room{l.scopes.left + kMargin, l.scopesHeader.bottom + kMargin,
+                    l.scopes.right - kMargin, l.scopes.bottom - kMargin};
+    const int middle = room.top + (room.height() - kMargin) / 2;
+    l.waveform = {room.left, room.top, room.right, middle};
+    const int below = middle + kMargin;
+    const int side = std::min(room.bottom - below, (room.width() - kMargin) / 2);
+    l.vectorscope = {room.left, below, room.left + side, below + side};
+    l.histogram = {l.vectorscope.right + kMargin, below, room.right, room.bottom};
+}
+
 void layOutTimeline(Layout& l)
 {
     l.ruler = {l.timeline.left, l.timeline.top, l.timeline.right, l.timeline.top + kRuler};
@@ -101,7 +143,8 @@ Layout makeLayout(const Point& window, const LayoutChoices& choices)
 {
     Layout l;
     l.size = {std::max(window.x, Layout::kSmallest.x), std::max(window.y, Layout::kSmallest.y)};
-    const int binWidth = binWidthFor(l.size, choices.binWidth);
+    const int side = sideWidthFor(l.size) + kMargin;
+    const int binWidth = binWidthFor(l.size, choices.effects ? side : 0, choices.binWidth);
     const int timelineHeight = timelineHeightFor(l.size, choices.timelineHeight);
 
     l.topBar = {0, 0, l.size.x, kTopBar};
@@ -109,17 +152,25 @@ Layout makeLayout(const Point& window, const LayoutChoices& choices)
     l.title = {kMargin, 6, kMargin + titleWidth, kTopBar - 6};
     l.status = {0, l.size.y - kStatus, l.size.x, l.size.y};
     const int timelineBottom = l.status.top - 6;
-    l.timeline = {kMargin, timelineBottom - timelineHeight, l.size.x - kMargin, timelineBottom};
+    const int right = l.size.x - kMargin;
+    l.timeline = {kMargin, timelineBottom - timelineHeight, right - (choices.scopes ? side : 0),
+                  timelineBottom};
+    if (choices.scopes)
+        l.scopes = {l.timeline.right + kMargin, l.timeline.top, right, timelineBottom};
 
     const int top = kTopBar + kMargin;
     const int bottom = l.timeline.top - kMargin;
     l.bin = {kMargin, top, kMargin + binWidth, bottom};
-    l.viewer = {l.bin.right + kMargin, top, l.size.x - kMargin, bottom};
+    l.viewer = {l.bin.right + kMargin, top, right - (choices.effects ? side : 0), bottom};
+    if (choices.effects)
+        l.effects = {l.viewer.right + kMargin, top, right, bottom};
     l.binEdge = {l.bin.right, top, l.viewer.left, bottom};
     l.timelineEdge = {kMargin, bottom, l.size.x - kMargin, l.timeline.top};
     layOutBin(l);
     layOutViewer(l, choices);
+    layOutEffects(l, choices);
     layOutTimeline(l);
+    layOutScopes(l);
     return l;
 }
 
@@ -138,6 +189,23 @@ Rect Layout::tile(int place, int scroll) const
 Rect Layout::thumb(const Rect& tile) const
 {
     return {tile.left, tile.top, tile.right, tile.top + thumbHeight};
+}
+
+Rect Layout::slider(int index) const
+{
+    const int top = sliders.top + index * kSlider - sliderScroll;
+    return {sliders.left + kPadding, top, sliders.right - kPadding, top + kSlider};
+}
+
+Rect Layout::groove(const Rect& slider)
+{
+    const int middle = slider.top + 25;
+    return {slider.left + 6, middle - 2, slider.right - 6, middle + 2};
+}
+
+int Layout::sliderScrollRange() const
+{
+    return std::max(0, sliderCount * kSlider + kMargin - sliders.height());
 }
 
 int Layout::scrollRange(int tileCount) const

@@ -14,6 +14,10 @@ struct LayoutChoices
     int timelineHeight = 0; ///< 0: chosen by the window's size
     int titleWidth = 126;   ///< of the project's title as drawn
     double ratio = 1.0;     ///< device pixels for each logical one
+    bool effects = true;    ///< the effects' panel is open
+    bool scopes = true;     ///< the scopes' panel is open
+    int sliders = 0;        ///< of the effect chosen
+    int sliderScroll = 0;   ///< pixels
     ViewerChoices viewer = {};
 };
 
@@ -26,7 +30,17 @@ enum class ViewerChip : int
     eFrameNumber,
     eRate,
     eZoom,
+    eEffects,
+    eScopes,
     eFullScreen
+};
+
+/// The buttons at the top of the effects' panel.
+enum class EffectButton : int
+{
+    ePrevious,
+    eNext,
+    eReset
 };
 
 /// Where everything is: a pure function of the window's size. Logical pixels.
@@ -36,7 +50,8 @@ struct Layout
 {
     static constexpr int kTracks = 4;
     static constexpr int kButtons = 3;
-    static constexpr int kChips = 7;
+    static constexpr int kChips = 9;
+    static constexpr int kEffectButtons = 3;
     static inline const Point kSmallest{960, 600};
     static inline const Point kLargest{7680, 4320};
 
@@ -61,6 +76,19 @@ struct Layout
     Rect transport;
     std::array<Rect, kButtons> buttons; ///< backwards, stop, forwards
 
+    Rect effects; ///< the panel beside the viewer; without area while it is closed
+    Rect effectsHeader;
+    Rect effectName;
+    std::array<Rect, kEffectButtons> effectButtons; ///< in the order of EffectButton
+    Rect sliders;                                   ///< what the sliders scroll in
+    Rect trouble;                                   ///< what is wrong with the effect
+
+    Rect scopes; ///< the panel beside the timeline; without area while it is closed
+    Rect scopesHeader;
+    Rect waveform;
+    Rect vectorscope;
+    Rect histogram;
+
     Rect timeline;
     Rect ruler; ///< as wide as the panel
     Rect lanes; ///< all lanes, and the ruler's ticks above them, lie in its width
@@ -77,6 +105,14 @@ struct Layout
     /// How far the bin can be scrolled with so many tiles.
     int scrollRange(int tileCount) const;
     int rowHeight() const;
+    /// A slider of the effects' panel, with its words.
+    Rect slider(int index) const;
+    /// What the slider's handle moves along.
+    static Rect groove(const Rect& slider);
+    int sliderScrollRange() const;
+
+    int sliderCount = 0;
+    int sliderScroll = 0;
 };
 
 Layout makeLayout(const Point& size, const LayoutChoices& choices);

@@ -65,6 +65,9 @@ void Canvas::flush()
     case Kind::eImage:
         send(*renderer_, images_);
         break;
+    case Kind::eEffect:
+        send(*renderer_, effects_);
+        break;
     }
     kind_ = Kind::eNone;
 }
@@ -180,6 +183,22 @@ void Canvas::stretched(const Tq::Ptr<iImageBase>& image, const Point& size, cons
     desc.sourceROI_ = {0, 0, size.x, size.y};
     desc.destROI_ = scaled(rect);
     desc.blend_ = blend;
+}
+
+void Canvas::passed(const Tq::Ptr<iImageBase>& image, const Point& size, const Rect& rect,
+                    const ShaderTechnique& technique)
+{
+    if (!image)
+        return;
+    begin(Kind::eEffect);
+    ImageDescriptionEx& desc = effects_.emplace_back();
+    const Rect place = scaled(rect);
+    desc.image_ = image;
+    desc.technique_ = technique;
+    desc.sourceRect_ = {0.0f, 0.0f, static_cast<float>(size.x), static_cast<float>(size.y)};
+    desc.destRect_ = {static_cast<float>(place.left), static_cast<float>(place.top),
+                      static_cast<float>(place.right), static_cast<float>(place.bottom)};
+    desc.blend_ = false;
 }
 
 int Canvas::text(const Text& text, int x, int baseline, const Theme::Type& type,

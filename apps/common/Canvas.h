@@ -44,6 +44,9 @@ public:
     /// A whole image, made as large as a rectangle: only where GL draws. @param size its pixels
     void stretched(const Tq::Ptr<iImageBase>& image, const Point& size, const Rect& rect,
                    bool blend = true);
+    /// The same passed through an effect, replacing what is there.
+    void passed(const Tq::Ptr<iImageBase>& image, const Point& size, const Rect& rect,
+                const ShaderTechnique& technique);
 
     /// Text whose first character begins at x. @return its width
     int text(const Text& text, int x, int baseline, const Theme::Type& type,
@@ -78,7 +81,8 @@ private:
         eLine,
         eText,
         eCurve,
-        eImage
+        eImage,
+        eEffect
     };
 
     int scaled(int length) const { return resources_.scaled(length); }
@@ -99,6 +103,7 @@ private:
     std::vector<TextDescription> texts_;
     std::vector<BezierCurveDescription> curves_;
     std::vector<ImageDescription> images_;
+    std::vector<ImageDescriptionEx> effects_;
     std::vector<Rect> clips_;
 };
 

@@ -7,7 +7,7 @@ namespace Vantor {
 
 const char* const kHelp =
     "Usage: vantor [FOLDER] [--frame FILE.png | --grab FILE.png] [--size WxH] [--scale S]\n"
-    "              [--at TIME] [--play] [--seconds N]\n"
+    "              [--at TIME] [--effect FILE.fx] [--play] [--seconds N]\n"
     "       vantor --gl-report [--json]\n"
     "\n"
     "A small editor: a bin with the pictures of FOLDER, a viewer and a timeline. Without FOLDER "
@@ -20,6 +20,9 @@ const char* const kHelp =
     "                 as it was last time, 1280x720 at first and for frames\n"
     "  --scale S      pixels of the frame for each logical one: 1, 1.25, 1.5 or 2\n"
     "  --at TIME      of the playhead at first: HH:MM:SS:FF or the last parts of it\n"
+    "  --effect FILE  pass the viewer's picture through an effect, and follow the file while it "
+    "is\n"
+    "                 edited\n"
     "  --play         play at once; the last line tells frames shown and dropped\n"
     "  --seconds N    run for N seconds and quit\n"
     "  --gl-report    tell what the graphics driver says of itself; --json for programs\n"
@@ -29,15 +32,17 @@ const char* const kHelp =
     "Space plays and pauses, J K L shuttle, the arrows step, Home and End go to the ends, Up and\n"
     "Down to the next cut. Return fills the screen, and Return or Escape leaves it; F fits the\n"
     "picture, 5, 1 and 2 show it at 50, 100 and 200 %; S, T and N show safe areas, time code and\n"
-    "frame number; [ and ] change the rate, Control-L the loop. The wheel zooms, Delete removes a\n"
+    "frame number; E opens the effects, W the scopes, comma and full stop choose an effect, X "
+    "makes a\n"
+    "transition; [ and ] change the rate, Control-L the loop. The wheel zooms, Delete removes a\n"
     "clip, or a picture of the bin to the trash, Control-Z takes back, Control-E writes the\n"
     "viewer's frame. Escape quits.\n";
 
 Text parse(int count, const char* const* arguments, CommandLine& line)
 {
     const SizeLimits limits{Layout::kSmallest, Layout::kLargest};
-    const Text wrong =
-        parseOptions(count, arguments, limits, line, {{"--at", true}, {"--play", false}});
+    const Text wrong = parseOptions(count, arguments, limits, line,
+                                    {{"--at", true}, {"--effect", true}, {"--play", false}});
     if (!wrong.empty())
         return wrong;
     line.play = line.own.count("--play") > 0;
@@ -45,6 +50,11 @@ Text parse(int count, const char* const* arguments, CommandLine& line)
         line.at = line.own["--at"];
         if (!Timecode::parse(line.at, Timecode::kUsual))
             return L"--at takes HH:MM:SS:FF or the last parts of it, not \"" + line.at + L"\"";
+    }
+    if (line.own.count("--effect") > 0) {
+        line.effect = line.own["--effect"];
+        if (line.effect.empty())
+            return L"--effect needs the name of a file";
     }
     line.sizeGiven = line.size.x > 0;
     if (!line.sizeGiven)

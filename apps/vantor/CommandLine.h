@@ -11,6 +11,7 @@ struct CommandLine : CommandOptions
     Text folder;            ///< of pictures; empty: not said
     bool sizeGiven = false; ///< size is what was asked for, not the default
     Text at;                ///< time code of the playhead at first; empty: not said
+    Text effect;            ///< a file: the viewer's picture is passed through it; empty: not said
     bool play = false;      ///< at once, and tell at the end what became of the frames
 };
 

@@ -18,6 +18,7 @@ constexpr unsigned int kPlayTickMs = 10;
 constexpr unsigned int kFollowTickMs = 40; ///< where a video window shows the frames
 constexpr unsigned int kCaretMs = 530;
 constexpr unsigned int kFactsMs = 250;
+constexpr unsigned int kEffectMs = 500;
 constexpr unsigned int kSaveMs = 800; ///< without a further change before it is saved
 constexpr int kLoadsPerFrame = 4;
 
@@ -97,6 +98,8 @@ void Editor::detach()
     saveTimer_.reset();
     playTimer_.reset();
     factsTimer_.reset();
+    effectTimer_.reset();
+    effect_ = LiveEffect();
     caretTimer_.reset();
     quitTimer_.reset();
     useTarget(std::make_unique<Resources>(1.0));
@@ -130,6 +133,9 @@ void Editor::keepSession()
     session.loops = state_.player.loops();
     session.viewer = state_.choices.viewer;
     session.viewer.shift = {};
+    session.effects = state_.choices.effects;
+    session.scopes = state_.choices.scopes;
+    session.effect = state_.effects.chosen == EffectPanel::kNone ? Text() : state_.effects.name();
     if (session == session_)
         return;
     session_ = session;
@@ -230,11 +236,27 @@ void Editor::keepTimers()
         caretTimer_ = window_->createTimer(kCaretMs);
 }
 
+// Effects need GL, and what does without it says so.
+void Editor::keepEffect()
+{
+    if (!viewer_) {
+        state_.effects.trouble =
+            state_.effects.chosen == EffectPanel::kNone ? Text() : Text(L"effects need OpenGL");
+        return;
+    }
+    effect_.follow(state_.effects);
+    if (state_.effects.chosen == EffectPanel::kNone)
+        effectTimer_.reset();
+    else if (!effectTimer_ && window_)
+        effectTimer_ = window_->createTimer(kEffectMs);
+}
+
 void Editor::keepViewer()
 {
+    keepEffect();
     if (viewer_) {
         state_.choices.ratio = viewer_->ratio() > 0.0 ? viewer_->ratio() : 1.0;
-        viewer_->show(state_, layoutOf(state_));
+        viewer_->show(state_, layoutOf(state_), effect_.technique());
         state_.shown = viewer_->facts();
     } else if (state_.fullScreen && window_) {
         state_.fullScreen = false;

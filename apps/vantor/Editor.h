@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Drawing/PictureStore.h"
+#include "Effects/LiveEffect.h"
 #include "Model/PlayCount.h"
 #include "Model/Session.h"
 #include "Play/Viewer.h"
@@ -60,6 +61,7 @@ private:
     eRC changed();
     void keepTimers();
     void keepViewer();
+    void keepEffect();
     eRC learnFacts();
     void keepCursor();
     void keepTitle();
@@ -91,8 +93,10 @@ private:
     Tq::Ptr<iTimer> caretTimer_;
     Tq::Ptr<iTimer> quitTimer_;
     Tq::Ptr<iTimer> saveTimer_;
-    PlayCount drawn_; ///< frames, where the editor draws them itself
+    PlayCount drawn_;             ///< frames, where the editor draws them itself
+    Tq::Ptr<iTimer> effectTimer_; ///< looks whether somebody edits the effect's file
     std::unique_ptr<Viewer> viewer_;
+    LiveEffect effect_;
     bool playsWhenDrawn_ = false;
 
     iMouseCursor::eStockCursor cursor_ = iMouseCursor::eArrow;

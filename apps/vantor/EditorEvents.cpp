@@ -96,6 +96,12 @@ iEventHandler::eRC Editor::handleTimer(const TimerEvent& event)
         return eContinue;
     } else if (isTick(factsTimer_, event)) {
         return learnFacts();
+    } else if (isTick(effectTimer_, event)) {
+        const LiveEffect::Technique before = effect_.technique();
+        const Text trouble = state_.effects.trouble;
+        keepEffect();
+        if (effect_.technique() == before && state_.effects.trouble == trouble)
+            return eContinue;
     } else if (isTick(caretTimer_, event)) {
         state_.caretShown = !state_.caretShown;
     } else if (isTick(playTimer_, event) || !window_) {

@@ -1,5 +1,6 @@
 #include "CommandLine.h"
 #include "Editor.h"
+#include "Effects/LiveEffect.h"
 #include "FrameWriter.h"
 #include "Model/Timecode.h"
 #include "common/GraphicsReport.h"
@@ -111,6 +112,19 @@ void useSession(EditorState& state, const Session& session)
     state.player.setRate(kFrameRates[static_cast<std::size_t>(session.rate)]);
     state.player.setLoop(session.loops);
     state.choices.viewer = session.viewer;
+    state.choices.effects = session.effects;
+    state.choices.scopes = session.scopes;
+    state.effects.choose(session.effect);
+}
+
+/// The product's effects, and the one of the command line, which is chosen.
+void offerEffects(EditorState& state, const Text& file)
+{
+    state.effects.files = findEffects();
+    if (file.empty())
+        return;
+    state.effects.files.insert(state.effects.files.begin(), {fromRoot(file), effectNameOf(file)});
+    state.effects.chosen = 0;
 }
 
 void goTo(EditorState& state, const Text& time)
@@ -191,7 +205,10 @@ int runWindow(const CommandLine& line)
     EditorState state = stateFor(std::move(bin), session.folder, session.place.size, session.zoom);
     if (!gone.empty())
         state.message = gone + L" cannot be read any more";
+    offerEffects(state, Text());
     useSession(state, session);
+    if (!line.effect.empty())
+        offerEffects(state, line.effect);
     goTo(state, line.at);
     return runLoop(std::move(state), session, settings, line);
 }
@@ -203,6 +220,7 @@ int runFrame(const CommandLine& line)
     if (!wrong.empty())
         return fail(wrong, EXIT_FAILURE);
     EditorState state = stateFor(std::move(bin), line.folder, line.size, 0.0);
+    offerEffects(state, line.effect);
     goTo(state, line.at);
     const bool grabs = !line.grabFile.empty();
     const Text failure = grabs ? grabFrame(std::move(state), line.grabFile)

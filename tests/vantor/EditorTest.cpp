@@ -19,6 +19,7 @@ protected:
         for (const wchar_t* name : {L"chart.tif", L"dawn.jpg", L"pier.jpg", L"quay.bmp"})
             bin.items.push_back({name, Text(L"/nowhere/") + name, L"PNG"});
         EditorState state = makeEditorState(bin, Text());
+        state.choices.scopes = false; // all clips can be seen
         const int frame = state.player.frame();
         state.player = Transport([this] { return clock_; });
         state.player.setLength(state.project.length);
@@ -256,16 +257,17 @@ TEST_F(EditorTest, TabWalksThroughEveryPlaceAndBack)
 {
     key(Key::eHome);
     std::vector<Focus> seen;
-    for (int i = 0; i < 5; ++i) {
+    for (int i = 0; i < 6; ++i) {
         key(Key::eTab);
         seen.push_back(state().focus);
     }
     EXPECT_EQ(seen, (std::vector<Focus>{Focus::eTitle, Focus::eFilter, Focus::eBin,
-                                        Focus::eForwards, Focus::eTimeline}))
+                                        Focus::eForwards, Focus::eEffects, Focus::eTimeline}))
         << "buttons that cannot be used are left out";
     EXPECT_TRUE(state().focusShown);
+    key('e');
     key(Key::eTab, Key::eShift);
-    EXPECT_EQ(state().focus, Focus::eForwards);
+    EXPECT_EQ(state().focus, Focus::eForwards) << "a closed panel is left out";
     key(Key::eSpace);
     EXPECT_EQ(state().player.speed(), 1);
     click({700, 200});

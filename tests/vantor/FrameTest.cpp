@@ -171,6 +171,22 @@ EditorState sampleState()
 
 // Every state that a user can bring about is to be seen. VANTOR_TEST_PICTURES names a folder that
 // keeps the pictures for looking at.
+std::vector<EffectControl> sampleControls()
+{
+    EffectControl gain;
+    gain.parameter = "Gain";
+    gain.label = L"Gain";
+    gain.most = 4.0f;
+    gain.value = gain.initial = 1.0f;
+    EffectControl lift = gain;
+    lift.parameter = "Lift";
+    lift.label = L"Lift of all the dark parts of the picture";
+    lift.least = -1.0f;
+    lift.most = 1.0f;
+    lift.value = -0.25f;
+    return {gain, lift};
+}
+
 TEST_F(FrameTest, EveryStateIsDrawnDifferently)
 {
     const struct
@@ -267,7 +283,7 @@ TEST_F(FrameTest, EveryStateIsDrawnDifferently)
         {"dragging-media",
          [](EditorState& s) {
              s.drag.kind = Drag::Kind::eMedia, s.drag.index = 4, s.drag.moved = true;
-             s.pointer = {600, 590};
+             s.pointer = {400, 540};
          }},
         {"long-names",
          [](EditorState& s) {
@@ -278,6 +294,32 @@ TEST_F(FrameTest, EveryStateIsDrawnDifferently)
                              L"the timeline";
              s.message = Text(400, L'm');
          }},
+        {"transition", [](EditorState& s) { s.player.seek(187); }},
+        {"wipe",
+         [](EditorState& s) { s.project.clips[3].entrance = Entrance::eWipe, s.player.seek(187); }},
+        {"effect",
+         [](EditorState& s) {
+             s.effects.files = {{L"/x/ColourCorrect.fx", L"Colour Correct"}};
+             s.effects.chosen = 0;
+             s.effects.offer(sampleControls());
+         }},
+        {"effect-focus",
+         [](EditorState& s) {
+             s.effects.offer(sampleControls());
+             s.focus = Focus::eEffects, s.focusShown = true, s.effects.selected = 1;
+         }},
+        {"effect-trouble",
+         [](EditorState& s) {
+             s.effects.offer(sampleControls());
+             s.effects.trouble = L"line 12: undefined variable\n\"amuont\"\n"
+                                 L"common.fxh, line 40: a technique\nneeds a name\n";
+         }},
+        {"hover-effect-button",
+         [](EditorState& s) {
+             s.hover = {Area::eEffectButton, 1};
+         }},
+        {"no-panels", [](EditorState& s) { s.choices.effects = s.choices.scopes = false; }},
+        {"no-scopes", [](EditorState& s) { s.scopes.trouble = L"no compute device"; }},
         {"message",
          [](EditorState& s) { s.message = L"notes.txt is not a picture that can be loaded"; }},
     };

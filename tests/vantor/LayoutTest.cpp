@@ -17,10 +17,8 @@ struct Named
 
 std::vector<Named> panels(const Layout& l)
 {
-    return {{"top bar", l.topBar},
-            {"bin", l.bin},
-            {"viewer", l.viewer},
-            {"timeline", l.timeline},
+    return {{"top bar", l.topBar},  {"bin", l.bin},           {"viewer", l.viewer},
+            {"effects", l.effects}, {"timeline", l.timeline}, {"scopes", l.scopes},
             {"status", l.status}};
 }
 
@@ -38,7 +36,17 @@ std::vector<std::vector<Named>> contents(const Layout& l)
     std::vector<Named> bin{{"bin header", l.binHeader}};
     for (int i = 0; i < 2 * l.columns; ++i)
         bin.push_back({"tile", l.tile(i, 0)});
-    return {timeline, viewer, bin};
+    std::vector<Named> chips;
+    for (const Rect& chip : l.chips)
+        chips.push_back({"chip", chip});
+    std::vector<Named> effects{{"name", l.effectName}, {"sliders", l.sliders}};
+    for (const Rect& button : l.effectButtons)
+        effects.push_back({"effect button", button});
+    if (l.trouble.hasArea())
+        effects.push_back({"trouble", l.trouble});
+    const std::vector<Named> scopes{
+        {"waveform", l.waveform}, {"vectorscope", l.vectorscope}, {"histogram", l.histogram}};
+    return {timeline, viewer, chips, bin, effects, scopes};
 }
 
 /// A rectangle as it is drawn at a scale.
@@ -68,7 +76,11 @@ void expectApart(const std::vector<Named>& all, double scale, const std::string&
 
 TEST(LayoutTest, NothingOverlapsAtAnySizeAndScale)
 {
-    static const LayoutChoices kChoices[] = {{}, {1, 1, 126}, {9000, 9000, 9000}, {420, 320, 10}};
+    LayoutChoices troubled;
+    troubled.sliders = 12;
+    troubled.troubleLines = 40;
+    const LayoutChoices kChoices[] = {
+        {}, {1, 1, 126}, {9000, 9000, 9000}, {420, 320, 10}, troubled};
     for (const Point& size :
          {Point(960, 600), Point(1024, 768), Point(1280, 720), Point(1366, 768), Point(1920, 1080),
           Point(1080, 1920), Point(2560, 1440), Point(3840, 2160)})
@@ -83,7 +95,8 @@ TEST(LayoutTest, NothingOverlapsAtAnySizeAndScale)
                 for (const Named& panel : panels(layout))
                     EXPECT_TRUE(inside(panel.rect, window)) << panel.name << where;
                 const std::vector<std::vector<Named>> groups = contents(layout);
-                const Rect owners[] = {layout.timeline, layout.viewer, layout.bin};
+                const Rect owners[] = {layout.timeline, layout.viewer,  layout.viewerHeader,
+                                       layout.bin,      layout.effects, layout.scopes};
                 for (std::size_t g = 0; g < groups.size(); ++g) {
                     expectApart(groups[g], scale, where);
                     for (const Named& part : groups[g])
@@ -95,6 +108,29 @@ TEST(LayoutTest, NothingOverlapsAtAnySizeAndScale)
                 EXPECT_TRUE(inside(layout.title, layout.topBar)) << where;
             }
         }
+}
+
+TEST(LayoutTest, ClosedPanelsLeaveTheirRoomToTheOthers)
+{
+    LayoutChoices closed;
+    closed.effects = closed.scopes = false;
+    const Layout open = makeLayout({1280, 720}, {});
+    const Layout layout = makeLayout({1280, 720}, closed);
+    EXPECT_FALSE(layout.effects.hasArea());
+    EXPECT_FALSE(layout.scopes.hasArea());
+    EXPECT_EQ(layout.viewer.right, open.effects.right);
+    EXPECT_EQ(layout.timeline.right, open.scopes.right);
+}
+
+TEST(LayoutTest, EverySliderCanBeScrolledTo)
+{
+    for (const int count : {1, 6, 60}) {
+        LayoutChoices choices;
+        choices.sliders = count;
+        choices.sliderScroll = makeLayout({960, 600}, choices).sliderScrollRange();
+        const Layout layout = makeLayout({960, 600}, choices);
+        EXPECT_LE(layout.slider(count - 1).bottom, layout.sliders.bottom) << count;
+    }
 }
 
 TEST(LayoutTest, AWindowTooSmallKeepsTheSmallestLayout)

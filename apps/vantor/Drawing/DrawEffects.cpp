@@ -8,8 +8,6 @@ namespace Vantor {
 
 namespace {
 
-constexpr int kTroubleLine = 14;
-
 NormalisedRGB groundOf(const Scene& scene, EffectButton button)
 {
     const int index = static_cast<int>(button);
@@ -78,12 +76,12 @@ void drawTrouble(Scene& scene)
     const Rect& room = scene.layout.trouble;
     const Text& words = scene.state.effects.trouble;
     int top = room.top;
-    for (Text::size_type at = 0; at < words.size() && top + kTroubleLine <= room.bottom;) {
+    for (Text::size_type at = 0; at < words.size() && top + Layout::kTroubleLine <= room.bottom;) {
         const Text::size_type end = std::min(words.find(L'\n', at), words.size());
         scene.canvas.text(
             scene.canvas.fitted(words.substr(at, end - at), room.width(), Theme::kFact), room.left,
             top + 11, Theme::kFact, Theme::kTime);
-        top += kTroubleLine;
+        top += Layout::kTroubleLine;
         at = end + 1;
     }
 }
@@ -114,12 +112,11 @@ void drawEffects(Scene& scene)
                        Theme::kLabel,
                        panel.chosen == EffectPanel::kNone ? Theme::kDim : Theme::kText);
     canvas.clip(l.sliders);
-    if (panel.trouble.empty())
-        for (std::size_t i = 0; i < panel.controls.size(); ++i)
-            drawSlider(scene, static_cast<int>(i));
-    else
-        drawTrouble(scene);
+    for (std::size_t i = 0; i < panel.controls.size(); ++i)
+        drawSlider(scene, static_cast<int>(i));
     canvas.endClip();
+    if (!panel.trouble.empty())
+        drawTrouble(scene);
     drawFocusRing(scene, l.effects, Focus::eEffects);
 }
 

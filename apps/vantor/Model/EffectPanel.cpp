@@ -60,6 +60,15 @@ void EffectPanel::choose(int direction)
     scroll = 0;
 }
 
+void EffectPanel::choose(const Text& wanted)
+{
+    chosen = kNone;
+    for (std::size_t i = 0; i < files.size(); ++i)
+        if (files[i].name == wanted)
+            chosen = static_cast<int>(i);
+    choose(0);
+}
+
 Text EffectPanel::name() const
 {
     return chosen == kNone ? Text(L"No effect") : files[static_cast<std::size_t>(chosen)].name;

@@ -52,6 +52,8 @@ struct EffectPanel
 
     /// The next or the previous one; "none" stands before the first.
     void choose(int direction);
+    /// The one of that name; none where there is none.
+    void choose(const Text& name);
     Text name() const;
     /// Takes over what an effect offers; what has the same name keeps its value.
     void offer(std::vector<EffectControl> offered);

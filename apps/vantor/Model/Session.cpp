@@ -26,6 +26,9 @@ Session readSession(const Tq::Ptr<iSettings>& settings)
     viewer.safeAreas = values.flag("SafeAreas", viewer.safeAreas);
     viewer.timeCode = values.flag("TimeCode", viewer.timeCode);
     viewer.frameNumber = values.flag("FrameNumber", viewer.frameNumber);
+    session.effects = values.flag("Effects", true);
+    session.scopes = values.flag("Scopes", true);
+    session.effect = values.text("Effect", Text());
     return session;
 }
 
@@ -45,6 +48,12 @@ void writeSession(const Tq::Ptr<iSettings>& settings, const Session& session)
     values.setFlag("SafeAreas", session.viewer.safeAreas);
     values.setFlag("TimeCode", session.viewer.timeCode);
     values.setFlag("FrameNumber", session.viewer.frameNumber);
+    values.setFlag("Effects", session.effects);
+    values.setFlag("Scopes", session.scopes);
+    if (session.effect.empty())
+        values.remove("Effect");
+    else
+        values.setText("Effect", session.effect);
 }
 
 } // namespace Vantor

@@ -20,6 +20,9 @@ struct Session
     int rate = kUsualRate; ///< which of kFrameRates
     bool loops = false;
     ViewerChoices viewer; ///< without the place of the picture
+    bool effects = true;  ///< whether the panel is open; so for the scopes
+    bool scopes = true;
+    Text effect; ///< the name of the one chosen; empty: none
 
     friend bool operator==(const Session&, const Session&) = default;
 };

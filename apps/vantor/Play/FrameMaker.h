@@ -1,9 +1,13 @@
 #pragma once
 
+#include "Drawing/Composition.h"
 #include "Drawing/PictureStore.h"
 #include "Play/FrameReader.h"
+#include "Play/Passages.h"
 #include "common/Icons.h"
 #include "common/Resources.h"
+
+#include <functional>
 
 namespace Vantor {
 
@@ -19,9 +23,17 @@ public:
     Tq::Ptr<iImage> make(const FrameRequest& request, int frame);
 
 private:
+    using Layers = std::function<void(const Composition&)>;
+    Tq::Ptr<iHostImage> drawn(const FrameRequest& request, int frame, const Layers& layers);
+    Tq::Ptr<iGPUImage> onGPU(const FrameRequest& request, int frame, const Layers& layers);
+    Tq::Ptr<iGPUImage> passage(const FrameRequest& request, int frame, const Passage& passage);
+    void drawOn(const Tq::Ptr<iGPUImage>& image, const FrameRequest& request, int frame,
+                const Layers& layers);
+
     Resources resources_;
     Icons icons_;
     PictureStore pictures_;
+    Passages passages_;
     Tq::Ptr<iHostImage> surface_; ///< used again for frames that went to the GPU
 };
 

@@ -235,7 +235,9 @@ bool Presenter::draw(const Showing& showing, const Tq::Ptr<iImage>& image, const
     const Rect picture = placeIn(size, showing, ratio);
     Canvas canvas(resources_, renderer);
     canvas.fill({0, 0, size.x, size.y}, showing.alone ? Theme::kBlack : Theme::kPanel);
-    if (image)
+    if (image && showing.effect)
+        canvas.passed(image, pixels, picture, *showing.effect);
+    else if (image)
         canvas.stretched(image, pixels, picture, false);
     else
         canvas.fill(picture, Theme::kBlack);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Drawing/DigitPictures.h"
+#include "Effects/LiveEffect.h"
 #include "Model/PlayCount.h"
 #include "Model/Transport.h"
 #include "Model/ViewerChoices.h"
@@ -23,12 +24,14 @@ struct Showing
     Transport transport;
     ViewerChoices choices;
     std::shared_ptr<const Edit> edit;
+    LiveEffect::Technique effect; ///< null: as it is
 
     /// Whether it is the same to be seen, however far the clock has gone.
     bool looksLike(const Showing& other) const
     {
         return window.get() == other.window.get() && alone == other.alone && edit == other.edit &&
-               choices == other.choices && transport.run() == other.transport.run();
+               effect == other.effect && choices == other.choices &&
+               transport.run() == other.transport.run();
     }
 };
 

@@ -36,7 +36,7 @@ void Viewer::keepEdit(const EditorState& state)
     edit_ = std::move(edit);
 }
 
-void Viewer::show(EditorState& state, const Layout& layout)
+void Viewer::show(EditorState& state, const Layout& layout, const LiveEffect::Technique& effect)
 {
     keepEdit(state);
     if (!(layout.screen == place_)) {
@@ -53,7 +53,7 @@ void Viewer::show(EditorState& state, const Layout& layout)
         fullScreen_.reset();
     }
     presenter_.show({fullScreen_ ? fullScreen_ : window_, bool(fullScreen_), state.player,
-                     state.choices.viewer, edit_});
+                     state.choices.viewer, edit_, effect});
 }
 
 ShownFrames Viewer::facts() const

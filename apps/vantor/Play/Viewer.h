@@ -19,7 +19,8 @@ public:
     ~Viewer();
 
     /// Shows the state from now on; makes and drops the window that fills the screen.
-    void show(EditorState& state, const Layout& layout);
+    /// @param effect that the picture is passed through; null: as it is
+    void show(EditorState& state, const Layout& layout, const LiveEffect::Technique& effect);
     ShownFrames facts() const;
     /// Device pixels for each logical one.
     double ratio() const;

@@ -129,6 +129,10 @@ Layout layoutOf(const EditorState& state)
     LayoutChoices choices = state.choices;
     choices.sliders = static_cast<int>(state.effects.controls.size());
     choices.sliderScroll = state.effects.scroll;
+    const Text& trouble = state.effects.trouble;
+    choices.troubleLines = static_cast<int>(std::count(trouble.begin(), trouble.end(), L'\n'));
+    if (!trouble.empty() && !trouble.endsWith(L'\n'))
+        ++choices.troubleLines;
     return makeLayout(state.size, choices);
 }
 

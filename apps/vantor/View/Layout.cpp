@@ -104,7 +104,16 @@ void layOutEffects(Layout& l, const LayoutChoices& choices)
                             l.effectsHeader.bottom - 4}};
     l.effectName = {left + 26, top, right - 26, top + 22};
     l.sliders = {l.effects.left, l.effectName.bottom + kMargin, l.effects.right, l.effects.bottom};
-    l.trouble = {left, l.sliders.top, right, l.effects.bottom - kMargin};
+    if (choices.troubleLines == 0)
+        return;
+    // Where there are sliders they keep half of the room.
+    const int room = l.sliders.height() / (choices.sliders > 0 ? 2 : 1) - kMargin;
+    const int height = std::min(choices.troubleLines * Layout::kTroubleLine, room);
+    l.trouble = {left, l.effects.bottom - kMargin - height, right, l.effects.bottom - kMargin};
+    if (choices.sliders == 0)
+        l.trouble = {left, l.sliders.top, right, l.sliders.top + height};
+    else
+        l.sliders.bottom = l.trouble.top - kMargin;
 }
 
 void layOutScopes(Layout& l)

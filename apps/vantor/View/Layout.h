@@ -18,6 +18,7 @@ struct LayoutChoices
     bool scopes = true;     ///< the scopes' panel is open
     int sliders = 0;        ///< of the effect chosen
     int sliderScroll = 0;   ///< pixels
+    int troubleLines = 0;   ///< about the effect chosen
     ViewerChoices viewer = {};
 };
 
@@ -52,6 +53,7 @@ struct Layout
     static constexpr int kButtons = 3;
     static constexpr int kChips = 9;
     static constexpr int kEffectButtons = 3;
+    static constexpr int kTroubleLine = 14;
     static inline const Point kSmallest{960, 600};
     static inline const Point kLargest{7680, 4320};
 

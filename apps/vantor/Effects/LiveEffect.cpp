@@ -1,0 +1,248 @@
+#include "Effects/LiveEffect.h"
+
+#include <OS.h>
+#include <OS/Core/iUtils.h>
+#include <OS/Files/iFileManager.h>
+#include <OS/Files/iShell.h>
+#include <OS/Media/iMediaServices.h>
+
+#include <algorithm>
+
+namespace Vantor {
+
+namespace {
+
+constexpr Text::size_type kTroubleColumns = 32;
+constexpr double kRetryMs = 1000.0; ///< until a file that could not be used is looked at again
+
+Text wide(const LightweightString<char>& text)
+{
+    return OS()->utils()->fromUTF8(text.c_str(), -1);
+}
+
+/// The textures that the host supplies.
+int inputsOf(const iFXFile& file)
+{
+    int inputs = 0;
+    for (const iFXFile::Parameter& parameter : file.getParameters())
+        if (parameter.type_.startsWith("texture") && parameter.hasSemantic_ &&
+            !(parameter.semantic_ == "RENDERCOLORTARGET"))
+            ++inputs;
+    return inputs;
+}
+
+/// Breaks a line where words end, so that the panel holds it.
+Text broken(const Text& line)
+{
+    Text result;
+    Text::size_type at = 0;
+    while (line.size() - at > kTroubleColumns) {
+        Text::size_type end = at + kTroubleColumns;
+        for (Text::size_type i = end; i > at + kTroubleColumns / 2; --i)
+            if (line[i] == L' ') {
+                end = i;
+                break;
+            }
+        result += line.substr(at, end - at) + L"\n";
+        at = line[end] == L' ' ? end + 1 : end;
+    }
+    return result + line.substr(at) + L"\n";
+}
+
+/// One line of a listing: "file(line) : error : text".
+Text explained(const Text& line, const Text& effectPath)
+{
+    const Text::size_type open = line.find(L"(");
+    const Text::size_type close = line.find(L") : ");
+    if (open == Text::npos || close == Text::npos || close < open)
+        return line;
+    const Text file = line.substr(0, open);
+    Text words = line.substr(close + 4);
+    if (words.startsWith(L"error : "))
+        words = words.substr(8);
+    return (file == effectPath ? Text() : nameOf(file) + L", ") + L"line " +
+           line.substr(open + 1, close - open - 1) + L": " + words;
+}
+
+EffectControl controlOf(const iShaderParam& param)
+{
+    EffectControl control;
+    control.parameter = param.getName();
+    const LightweightString<char> name = param.getAnnotationStringValue("UIName");
+    control.label = wide(name.empty() ? param.getName() : name);
+    if (param.hasAnnotation("UIMin", iShaderParam::eFloat))
+        control.least = param.getAnnotationFloatValue("UIMin");
+    if (param.hasAnnotation("UIMax", iShaderParam::eFloat))
+        control.most = param.getAnnotationFloatValue("UIMax");
+    control.step = param.getType() == iShaderParam::eFloat || control.isColour
+                       ? param.getAnnotationFloatValue("UIStep")
+                       : 1.0f;
+    return control;
+}
+
+} // namespace
+
+Text effectNameOf(const Text& path)
+{
+    Text file = nameOf(path);
+    const Text::size_type dot = file.rfind(L'.');
+    if (dot != Text::npos)
+        file = file.substr(0, dot);
+    Text name;
+    for (Text::size_type i = 0; i < file.size(); ++i) {
+        const bool startsWord = i > 0 && file[i] >= L'A' && file[i] <= L'Z' &&
+                                !(file[i - 1] >= L'A' && file[i - 1] <= L'Z');
+        if (startsWord)
+            name += L" ";
+        name.push_back(file[i]);
+    }
+    return name;
+}
+
+Text troubleOf(const Text& listing, const Text& effectPath)
+{
+    Text result;
+    for (Text::size_type at = 0; at < listing.size();) {
+        const Text::size_type end = std::min(listing.find(L'\n', at), listing.size());
+        if (end > at)
+            result += broken(explained(listing.substr(at, end - at), effectPath));
+        at = end + 1;
+    }
+    return result;
+}
+
+std::vector<EffectFile> findEffects()
+{
+    const Text folder = OS()->shell()->getFolderLocation(iShell::eResources) + L"Shaders/";
+    std::vector<iFileManager::DirectoryItem> items;
+    std::vector<EffectFile> found;
+    if (!OS()->fileMgr()->getDirectoryContents(folder + L"*.fx", items, true, false))
+        return found;
+    for (const iFileManager::DirectoryItem& item : items) {
+        const Text path = folder + item.name_;
+        const Tq::Ptr<iFXFile> file = OS()->mediaServices()->compileFXFile(path);
+        if (!file->isCompiled() || inputsOf(*file) == 1)
+            found.push_back({path, effectNameOf(path)});
+    }
+    std::sort(found.begin(), found.end(),
+              [](const EffectFile& a, const EffectFile& b) { return a.name < b.name; });
+    return found;
+}
+
+std::vector<EffectControl> controlsOf(const iShaderEffect& effect)
+{
+    static const wchar_t* const kComponents[] = {L" red", L" green", L" blue"};
+    std::vector<EffectControl> controls;
+    for (unsigned int i = 0; i < effect.getNumParams(); ++i) {
+        const Tq::Ptr<iShaderParam> param = effect.getParam(i);
+        EffectControl control = controlOf(*param);
+        switch (param->getType()) {
+        case iShaderParam::eFloat:
+        case iShaderParam::eInt:
+        case iShaderParam::eBool:
+            control.initial = control.value = param->getDefaultFloatValue();
+            controls.push_back(control);
+            break;
+        case iShaderParam::eColour: {
+            const NormalisedRGB initial = param->getDefaultColourValue();
+            const float values[] = {initial.red, initial.green, initial.blue};
+            const Text label = control.label;
+            control.isColour = true;
+            for (control.component = 0; control.component < 3; ++control.component) {
+                control.label = label + kComponents[control.component];
+                control.initial = control.value = values[control.component];
+                controls.push_back(control);
+            }
+            break;
+        }
+        default:
+            break;
+        }
+    }
+    return controls;
+}
+
+void LiveEffect::follow(EffectPanel& panel)
+{
+    const Text path = panel.chosen == EffectPanel::kNone
+                          ? Text()
+                          : panel.files[static_cast<std::size_t>(panel.chosen)].path;
+    if (!(path == path_))
+        load(path);
+    else if (effect_)
+        effect_->reloadIfChanged();
+    else if (!path.empty())
+        retry(path);
+    if (effect_) {
+        isNew_ = isNew_ || revision_ != effect_->getRevision();
+        revision_ = effect_->getRevision();
+        trouble_ = effect_->isOutdated() ? troubleOf(wide(effect_->getListing()), path) : Text();
+    }
+    if (isNew_)
+        panel.offer(effect_ ? controlsOf(*effect_) : std::vector<EffectControl>());
+    panel.trouble = trouble_;
+    keepTechnique(panel);
+    isNew_ = false;
+}
+
+void LiveEffect::load(const Text& path)
+{
+    path_ = path;
+    effect_.reset();
+    trouble_.clear();
+    isNew_ = true;
+    lookedMs_ = OS()->utils()->timeNow();
+    if (path.empty())
+        return;
+    effect_ = OS()->mediaServices()->createShaderEffect(path);
+    if (effect_) {
+        revision_ = effect_->getRevision();
+        return;
+    }
+    const LightweightString<char> listing =
+        OS()->mediaServices()->compileFXFile(path)->getListing();
+    trouble_ =
+        listing.empty() ? Text(L"this effect cannot be used here") : troubleOf(wide(listing), path);
+}
+
+// Until it can be compiled nothing more is tried, so that nothing more is printed.
+void LiveEffect::retry(const Text& path)
+{
+    const double now = OS()->utils()->timeNow();
+    if (now - lookedMs_ < kRetryMs)
+        return;
+    lookedMs_ = now;
+    const Tq::Ptr<iFXFile> file = OS()->mediaServices()->compileFXFile(path);
+    const Text listing = troubleOf(wide(file->getListing()), path);
+    if (listing == trouble_ || (file->isCompiled() && listing.empty() && trouble_.empty()))
+        return;
+    if (file->isCompiled())
+        load(path);
+    else
+        trouble_ = listing;
+}
+
+void LiveEffect::keepTechnique(const EffectPanel& panel)
+{
+    if (!isNew_ && panel.controls == used_)
+        return;
+    used_ = panel.controls;
+    technique_.reset();
+    if (!effect_)
+        return;
+    auto technique = std::make_shared<ShaderTechnique>();
+    technique->effect_ = effect_;
+    for (std::size_t i = 0; i < used_.size(); ++i) {
+        const EffectControl& control = used_[i];
+        if (!control.isColour) {
+            technique->values_.push_back(
+                iShaderParamValue::makeFloat(control.parameter, control.value));
+        } else if (control.component == 0 && i + 2 < used_.size()) {
+            technique->values_.push_back(iShaderParamValue::makeColour(
+                control.parameter, {control.value, used_[i + 1].value, used_[i + 2].value, 1.0f}));
+        }
+    }
+    technique_ = std::move(technique);
+}
+
+} // namespace Vantor

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "Model/EffectPanel.h"
+
+#include <OS/Effects/iShaderEffect.h>
+#include <OS/Primitives/ShaderTechnique.h>
+
+#include <memory>
+
+namespace Vantor {
+
+/// The effects of a folder of the product's, by name: those that change one picture, and those that
+/// cannot be compiled, so that they can be mended.
+std::vector<EffectFile> findEffects();
+/// As it stands in the panel: "ColourCorrect.fx" is "Colour Correct".
+Text effectNameOf(const Text& path);
+/// A compiler's listing as the panel shows it: "line 12: text", the file's name before it where it
+/// is another than the effect's own; broken into short lines.
+Text troubleOf(const Text& listing, const Text& effectPath);
+/// Sliders for what an effect lets the host set, from its annotations: "UIName", "UIMin", "UIMax",
+/// "UIStep".
+std::vector<EffectControl> controlsOf(const iShaderEffect& effect);
+
+/// The effect that the viewer's picture is passed through: loads what the panel has chosen, and
+/// follows its file while somebody edits it. On the thread of the event loop.
+class LiveEffect
+{
+public:
+    /// What the viewer draws with; never changes once it is made.
+    using Technique = std::shared_ptr<const ShaderTechnique>;
+
+    /// Brings panel and effect together. Looks at the files, which is quick: call it after each
+    /// change and a few times a second.
+    void follow(EffectPanel& panel);
+    /// Null: the picture is shown as it is.
+    const Technique& technique() const { return technique_; }
+
+private:
+    void load(const Text& path);
+    void retry(const Text& path);
+    void keepTechnique(const EffectPanel& panel);
+
+    Text path_;
+    Tq::Ptr<iShaderEffect> effect_; ///< null: none, or it cannot be used
+    unsigned int revision_ = 0;
+    bool isNew_ = false; ///< since the panel was told
+    Text trouble_;
+    double lookedMs_ = 0.0;
+    std::vector<EffectControl> used_; ///< in technique_
+    Technique technique_;
+};
+
+} // namespace Vantor

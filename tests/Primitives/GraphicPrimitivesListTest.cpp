@@ -52,9 +52,15 @@ class CountedImage final : public iImageBase
 };
 class CountedEffect final : public iShaderEffectBase
 {
-};
-class CountedValue final : public iShaderParamValue
-{
+public:
+    using Name = LightweightString<char>;
+    bool setTechnique(const Name&) override { return false; }
+    bool setTechnique(unsigned int) override { return false; }
+    bool hasTechnique(const Name&) override { return false; }
+    bool setFloat(const Name&, float) override { return false; }
+    bool setInt(const Name&, int) override { return false; }
+    bool setColour(const Name&, const NormalisedRGB&) override { return false; }
+    bool draw(const Drawing&) override { return false; }
 };
 
 } // namespace
@@ -147,7 +153,7 @@ TEST(GraphicPrimitivesList, RecordedObjectsTakeAndDropExactlyOneReferenceForEach
     const Tq::Ptr<iFont> font = new TenPixelFont;
     const Tq::Ptr<iImageBase> image = new CountedImage;
     const Tq::Ptr<iShaderEffectBase> effect = new CountedEffect;
-    const Tq::Ptr<iShaderParamValue> value = new CountedValue;
+    const Tq::Ptr<iShaderParamValue> value = iShaderParamValue::makeFloat("Amount", 1.0f);
     {
         const Tq::Ptr<GraphicPrimitivesList> list = new GraphicPrimitivesList;
         {

@@ -113,7 +113,9 @@ bool Preprocessor::readConditional(const Token& name)
 
 bool Preprocessor::evaluateCondition(const Token& directive)
 {
-    std::vector<Token> line = replaceDefined(expandAll(replaceDefined(takeLine())));
+    isInCondition_ = true;
+    const std::vector<Token> line = expandAll(takeLine());
+    isInCondition_ = false;
     std::string fault;
     const auto value = EffectCompiler::evaluateCondition(line, fault);
     if (!value && !isStopped_)
@@ -121,23 +123,19 @@ bool Preprocessor::evaluateCondition(const Token& directive)
     return value.value_or(0) != 0;
 }
 
-std::vector<Token> Preprocessor::replaceDefined(const std::vector<Token>& line)
+/// "defined NAME" or "defined(NAME)", whose name is not expanded.
+Token Preprocessor::readDefined(const Token& keyword)
 {
-    std::vector<Token> result;
-    for (std::size_t i = 0; i < line.size(); ++i) {
-        const bool hasParen = i + 3 < line.size() && line[i + 1].is("(") && line[i + 3].is(")");
-        const std::size_t name = hasParen ? i + 2 : i + 1;
-        if (!line[i].isName("defined") || name >= line.size() || !line[name].isName()) {
-            result.push_back(line[i]);
-            continue;
-        }
-        Token value = line[i];
-        value.kind = Token::Kind::eNumber;
-        value.text = macros_.contains(line[name].text) ? "1" : "0";
-        result.push_back(value);
-        i = hasParen ? i + 3 : i + 1;
-    }
-    return result;
+    Token name = pull();
+    const bool hasParen = name.is("(");
+    if (hasParen)
+        name = pull();
+    if (!name.isName() || (hasParen && !pull().is(")")))
+        messages_.error(keyword.place, "'defined' without a name");
+    Token value = keyword;
+    value.kind = Token::Kind::eNumber;
+    value.text = macros_.contains(name.text) ? "1" : "0";
+    return value;
 }
 
 void Preprocessor::readDefine(const Token& directive)

@@ -48,6 +48,7 @@ void Parser::parseTopLevel()
 Parser::Qualifiers Parser::parseQualifiers()
 {
     Qualifiers qualifiers;
+    bool isIn = false, isOut = false;
     // A name that no name follows is no qualifier.
     while (peek().isName() && peek(1).isName() &&
            std::find(kQualifiers.begin(), kQualifiers.end(), peek().text) != kQualifiers.end()) {
@@ -55,13 +56,11 @@ Parser::Qualifiers Parser::parseQualifiers()
         qualifiers.isStatic |= text == "static";
         qualifiers.isConst |= text == "const";
         qualifiers.isUniform |= text == "uniform";
-        if (text == "inout")
-            qualifiers.direction = Variable::Direction::eInOut;
-        if (text == "out")
-            qualifiers.direction = qualifiers.direction == Variable::Direction::eIn
-                                       ? Variable::Direction::eOut
-                                       : qualifiers.direction;
+        isIn |= text == "in" || text == "inout";
+        isOut |= text == "out" || text == "inout";
     }
+    if (isOut)
+        qualifiers.direction = isIn ? Variable::Direction::eInOut : Variable::Direction::eOut;
     return qualifiers;
 }
 
@@ -134,6 +133,7 @@ Type Parser::parseType()
 /// "vector<float, 3>", "matrix<half, 4, 3>"
 Type Parser::parseTemplateType(bool isMatrix)
 {
+    const Nesting nesting(*this);
     const SourcePlace place = take().place;
     expect("<");
     Type type = parseType();
@@ -372,8 +372,6 @@ Variable* Parser::parseDeclarator(const Qualifiers& qualifiers, const Type& type
     } else if (hasInitialiser) {
         variable.initialiser = parseInitialiser();
     }
-    if (isGlobal && variable.annotations.empty())
-        variable.annotations = parseAnnotations();
     sizeFromInitialiser(variable);
     declare(variable);
     return &variable;

@@ -17,8 +17,16 @@ std::vector<Annotation> Parser::parseAnnotations()
     while (!peek().is(">") && !peek().is(">=")) {
         if (peek().kind == Token::Kind::eEnd)
             failUnexpected();
-        if (!accept(";"))
-            parseAnnotation(annotations);
+        try {
+            if (!accept(";"))
+                parseAnnotation(annotations);
+        } catch (const Fault&) {
+            while (!peek().is(";") && !peek().is(">") && !peek().is("{") && !peek().is("}") &&
+                   peek().kind != Token::Kind::eEnd)
+                take();
+            if (!peek().is(";") && !peek().is(">"))
+                throw;
+        }
     }
     // "< .. >= 1" ends the annotations and begins the value.
     if (peek().is(">="))

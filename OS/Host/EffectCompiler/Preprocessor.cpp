@@ -5,7 +5,7 @@
 namespace EffectCompiler {
 namespace {
 
-constexpr std::size_t kMostWork = 4 * Limits::kTokens;
+constexpr std::size_t kMostWork = 2 * Limits::kTokens;
 constexpr std::size_t kMostIncludes = 20'000;
 
 } // namespace
@@ -85,7 +85,8 @@ Token Preprocessor::pullFromFile()
 {
     while (!open_.empty() && !isStopped_) {
         OpenFile& top = open_.back();
-        const Token token = top.lexer.next();
+        Token token = top.lexer.next();
+        token.spaceBefore = token.spaceBefore || top.isLineStart;
         if (!spend(1))
             break;
         if (token.kind == Token::Kind::eEnd) {
@@ -112,6 +113,8 @@ Token Preprocessor::expandNext()
         Token token = pull();
         if (token.kind != Token::Kind::eName || token.isFinal)
             return token;
+        if (isInCondition_ && token.text == "defined")
+            return readDefined(token);
         if (expandBuiltIn(token))
             return token;
         const auto found = macros_.find(token.text);

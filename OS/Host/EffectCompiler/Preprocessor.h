@@ -105,7 +105,7 @@ private:
     void readLine(const Token& directive, const std::vector<Token>& line);
     void readPragma();
     bool evaluateCondition(const Token& directive);
-    std::vector<Token> replaceDefined(const std::vector<Token>& line);
+    Token readDefined(const Token& keyword);
     std::vector<Token> takeLine();
 
     /// Counts work, and stops when there is too much of it.
@@ -128,6 +128,7 @@ private:
     std::size_t bytes_ = 0;
     std::size_t includes_ = 0;
     int nesting_ = 0;
+    bool isInCondition_ = false; ///< "defined" means something
     bool isStopped_ = false;
     bool isFileMissing_ = false;
 };

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <poll.h>
+#include <utility>
 
 namespace OSInternal {
 
@@ -39,9 +40,16 @@ std::unique_ptr<JackClient> JackClient::open(const char* name)
 
 JackClient::~JackClient()
 {
+    close();
+}
+
+void JackClient::close()
+{
+    const std::lock_guard<std::mutex> lock(lock_);
     const SigPipeBlock block;
+    alive_ = false;
     if (client_)
-        jack_.client_close(client_);
+        jack_.client_close(std::exchange(client_, nullptr));
 }
 
 int JackClient::onCycle(jack_nframes_t frames, void* client)

@@ -24,8 +24,7 @@ protected:
 
 /// A connection to the server, and the ports of ours in it. Any thread.
 ///
-/// A server that has died is noticed at once; nothing but the destructor asks it anything any more
-/// then.
+/// A server that has died is noticed at once, and asked nothing any more.
 class JackClient
 {
 public:
@@ -37,6 +36,9 @@ public:
 
     const JackLibrary& library() const { return jack_; }
     bool isAlive() const { return alive_.load(); }
+    /// Gives the connection up while ports still hold this object. Needed before another is opened:
+    /// the library frees clients of a dead server itself then.
+    void close();
 
     /// Other clients' MIDI ports. @param flag JackPortIsOutput for sources, JackPortIsInput for
     /// destinations
@@ -73,7 +75,7 @@ private:
     void setPort(Slot& slot, JackCyclePort* cyclePort, jack_port_t* port);
 
     const JackLibrary& jack_;
-    jack_client_t* client_ = nullptr;
+    jack_client_t* client_ = nullptr; // under lock_, once open
     std::atomic<bool> alive_{true};
     std::atomic<unsigned int> cycles_{0};
     std::mutex lock_; // the library's calls

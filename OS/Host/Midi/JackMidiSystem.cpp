@@ -16,10 +16,11 @@ std::shared_ptr<MidiSystem> JackMidiSystem::open(const char* clientName)
 std::shared_ptr<JackClient> JackMidiSystem::client()
 {
     const std::lock_guard<std::mutex> lock(lock_);
-    if (!client_ || !client_->isAlive()) {
-        client_ = nullptr; // before the new one: two connections disturb each other
-        client_ = JackClient::open(clientName_);
-    }
+    if (client_ && client_->isAlive())
+        return client_;
+    if (client_)
+        client_->close();
+    client_ = JackClient::open(clientName_);
     return client_;
 }
 

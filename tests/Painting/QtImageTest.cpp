@@ -398,6 +398,47 @@ TEST(Tiff, ReadsStripsTilesPalettesAndDeepSamples)
                128, 64, 0);
 }
 
+TEST(Tiff, ReadsUncompressedRowsWhateverTheStrips)
+{
+    const Pictures pictures;
+    constexpr int kWidth = 30'000; // two or three rows of it are read at a time
+    constexpr int kHeight = 23;
+    for (const int samples : {3, 4})
+        for (const int stripRows : {1, 7, kHeight, 1'000'000})
+            for (const bool readToTheEnd : {true, false}) {
+                pictures.tiff("rows.tif", [&](TIFF* t) {
+                    setSize(t, kWidth, kHeight, samples, 8, PHOTOMETRIC_RGB);
+                    TIFFSetField(t, TIFFTAG_ROWSPERSTRIP, stripRows);
+                    std::vector<std::uint8_t> row(static_cast<std::size_t>(kWidth * samples));
+                    for (int y = 0; y < kHeight; ++y) {
+                        for (std::size_t i = 0; i < row.size(); ++i)
+                            row[i] =
+                                static_cast<std::uint8_t>(i * 3 + static_cast<std::size_t>(y) * 41);
+                        TIFFWriteScanline(t, row.data(), static_cast<std::uint32_t>(y), 0);
+                    }
+                    if (!readToTheEnd) // strips that lie partly behind the file's end
+                        TIFFSetField(t, TIFFTAG_IMAGELENGTH, kHeight + 1);
+                });
+                if (!readToTheEnd) {
+                    expectFailure(pictures, "rows.tif");
+                    continue;
+                }
+                const QtImage picture(pictures.wide("rows.tif"));
+                ASSERT_TRUE(picture.image()) << samples << " " << stripRows;
+                const QImage& image = *picture.image();
+                int wrong = 0;
+                for (int y = 0; y < kHeight; ++y)
+                    for (int x = 0; x < kWidth; ++x) {
+                        const auto sample = [&](int i) {
+                            return ((x * samples + i) * 3 + y * 41) & 0xFF;
+                        };
+                        wrong += image.pixel(x, y) != qRgba(sample(0), sample(1), sample(2),
+                                                            samples == 4 ? sample(3) : 255);
+                    }
+                EXPECT_EQ(wrong, 0) << samples << " samples, strips of " << stripRows;
+            }
+}
+
 TEST(Tiff, ReadsTheTopRowFirstHoweverTheFileIsTurned)
 {
     const Pictures pictures;

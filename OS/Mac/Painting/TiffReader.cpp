@@ -1,6 +1,7 @@
 #include "OS/Mac/Painting/TiffReader.h"
 
 #include "OS/Mac/Painting/PictureLimits.h"
+#include "OS/Mac/Painting/PlainTiff.h"
 #include "OS/Mac/Painting/TiffFile.h"
 
 #include <cstdint>
@@ -33,6 +34,19 @@ bool holdsItsPicture(TIFF* tiff, std::uint64_t fileBytes)
     return count > 0;
 }
 
+bool readWithLibrary(TIFF* tiff, QImage& image)
+{
+    // Stops at the first strip that cannot be decoded: nobody is shown half a picture.
+    constexpr int kStopOnError = 1;
+    if (!TIFFReadRGBAImageOriented(tiff, static_cast<std::uint32_t>(image.width()),
+                                   static_cast<std::uint32_t>(image.height()),
+                                   reinterpret_cast<std::uint32_t*>(image.bits()),
+                                   ORIENTATION_TOPLEFT, kStopOnError))
+        return false;
+    swapRedAndBlue(image);
+    return true;
+}
+
 } // namespace
 
 TiffReader::~TiffReader()
@@ -60,12 +74,10 @@ QImage TiffReader::read()
 
     QImage image = PictureLimits::allocate(static_cast<int>(width), static_cast<int>(height),
                                            QImage::Format_ARGB32);
-    // Stops at the first strip that cannot be decoded: nobody is shown half a picture.
-    constexpr int kStopOnError = 1;
-    if (image.isNull() || !TIFFReadRGBAImageOriented(tiff.get(), width, height,
-                                                     reinterpret_cast<std::uint32_t*>(image.bits()),
-                                                     ORIENTATION_TOPLEFT, kStopOnError))
+    if (image.isNull())
         return {};
-    swapRedAndBlue(image);
-    return image;
+    const bool whole = PlainTiff::isPlain(tiff.get(), fileBytes)
+                           ? PlainTiff::read(tiff.get(), image)
+                           : readWithLibrary(tiff.get(), image);
+    return whole ? image : QImage();
 }

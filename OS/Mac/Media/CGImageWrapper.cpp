@@ -20,11 +20,19 @@ public:
     XY<int> getSize() const override { return {pixels_.width(), pixels_.height()}; }
 
 private:
-    // A screen's upper byte holds anything.
-    static void copyOpaque(const std::uint32_t* from, std::uint32_t* to, int count)
+    // A screen's upper byte holds anything. In blocks of a fixed length, which compilers turn into
+    // wide instructions without being told to.
+    static void copyOpaque(const std::uint32_t* __restrict from, std::uint32_t* __restrict to,
+                           int count)
     {
-        for (int i = 0; i < count; ++i)
-            to[i] = from[i] | 0xFF000000u;
+        constexpr int kBlock = 16;
+        constexpr std::uint32_t kOpaque = 0xFF000000u;
+        int i = 0;
+        for (; i + kBlock <= count; i += kBlock)
+            for (int k = 0; k < kBlock; ++k)
+                to[i + k] = from[i + k] | kOpaque;
+        for (; i < count; ++i)
+            to[i] = from[i] | kOpaque;
     }
 
     QImage pixels_;

@@ -85,14 +85,23 @@ bool readAt(int file, std::uint64_t offset, std::uint8_t* bytes, std::uint64_t c
     return true;
 }
 
-// Red, green, blue and alpha bytes become our words, in place.
-void turnToWords(std::uint8_t* pixels, std::uint64_t bytes)
+std::uint32_t swapped(std::uint32_t word)
 {
+    return (word & 0xFF00FF00u) | (word & 0xFFu) << 16 | (word >> 16 & 0xFFu);
+}
+
+// Red, green, blue and alpha bytes become our words, in place. In blocks of a fixed length, which
+// compilers turn into wide instructions without being told to.
+void turnToWords(std::uint8_t* pixels, std::uint64_t count)
+{
+    constexpr std::uint64_t kBlock = 16;
     auto* words = reinterpret_cast<std::uint32_t*>(pixels);
-    for (std::uint64_t i = 0; i < bytes / 4; ++i) {
-        const std::uint32_t word = words[i];
-        words[i] = (word & 0xFF00FF00u) | (word & 0xFFu) << 16 | (word >> 16 & 0xFFu);
-    }
+    std::uint64_t i = 0;
+    for (; i + kBlock <= count; i += kBlock)
+        for (std::uint64_t k = i; k < i + kBlock; ++k)
+            words[k] = swapped(words[k]);
+    for (; i < count; ++i)
+        words[i] = swapped(words[i]);
 }
 
 void spreadToWords(const std::uint8_t* from, std::uint8_t* to, std::uint64_t pixels)
@@ -137,7 +146,7 @@ bool PlainTiff::read(TIFF* tiff, QImage& image)
                 return false;
             const std::uint64_t pixels = static_cast<std::uint64_t>(rows) * layout.width;
             if (block.empty())
-                turnToWords(to, bytes);
+                turnToWords(to, pixels);
             else
                 spreadToWords(block.data(), to, pixels);
             to += pixels * 4;

@@ -1,6 +1,7 @@
 #include "OS/Mac/Effects/EffectDrawing.h"
 
 #include "OS/Mac/Effects/EffectText.h"
+#include "OS/Mac/Effects/GLStateKeeper.h"
 #include "OS/Mac/Effects/PassStates.h"
 #include "OS/Mac/OpenGL/Contexts/OpenGLUtils.h"
 #include "OS/Mac/OpenGL/Images/OpenGLImage.h"
@@ -19,61 +20,13 @@ constexpr GLuint kTexCoords = 8; // places, and the first one's attribute
 
 } // namespace
 
-// GL's attributes, arrays, matrices, program and framebuffers, put back at the end of a scope.
-class EffectDrawing::StateKeeper
-{
-public:
-    StateKeeper()
-    {
-        glGetIntegerv(GL_CURRENT_PROGRAM, &program_);
-        glGetIntegerv(GL_DRAW_FRAMEBUFFER_BINDING, &draw_);
-        glGetIntegerv(GL_READ_FRAMEBUFFER_BINDING, &read_);
-        glPushAttrib(kAttributes);
-        glPushClientAttrib(GL_CLIENT_VERTEX_ARRAY_BIT);
-        glBindBuffer(GL_ARRAY_BUFFER, 0);
-        for (const GLenum matrix : {GL_PROJECTION, GL_MODELVIEW}) {
-            glMatrixMode(matrix);
-            glPushMatrix();
-            glLoadIdentity();
-        }
-        glColor4f(1.0f, 1.0f, 1.0f, 1.0f);
-    }
-    ~StateKeeper()
-    {
-        for (const GLenum matrix : {GL_PROJECTION, GL_MODELVIEW}) {
-            glMatrixMode(matrix);
-            glPopMatrix();
-        }
-        glPopClientAttrib();
-        glPopAttrib();
-        glUseProgram(static_cast<GLuint>(program_));
-        bindOutput();
-    }
-    StateKeeper(const StateKeeper&) = delete;
-    StateKeeper& operator=(const StateKeeper&) = delete;
-
-    void bindOutput() const
-    {
-        glBindFramebuffer(GL_DRAW_FRAMEBUFFER, static_cast<GLuint>(draw_));
-        glBindFramebuffer(GL_READ_FRAMEBUFFER, static_cast<GLuint>(read_));
-    }
-
-    static constexpr GLbitfield kAttributes = GL_COLOR_BUFFER_BIT | GL_CURRENT_BIT |
-                                              GL_DEPTH_BUFFER_BIT | GL_ENABLE_BIT | GL_POLYGON_BIT |
-                                              GL_SCISSOR_BIT | GL_STENCIL_BUFFER_BIT |
-                                              GL_TRANSFORM_BIT | GL_VIEWPORT_BIT;
-
-private:
-    GLint program_ = 0, draw_ = 0, read_ = 0;
-};
-
 // A framebuffer object's image as what GL draws into, for a scope; then it is the output again.
 class EffectDrawing::TargetInUse
 {
 public:
-    TargetInUse(iOpenGLImage& image, const StateKeeper& state) : image_(image), state_(state)
+    TargetInUse(iOpenGLImage& image, const GLStateKeeper& state) : image_(image), state_(state)
     {
-        glPushAttrib(StateKeeper::kAttributes);
+        glPushAttrib(GLStateKeeper::kAttributes);
         image_.bind();
         const XY<int> size = image_.getPhysicalSize();
         glViewport(0, 0, size.x, size.y);
@@ -91,7 +44,7 @@ public:
 
 private:
     iOpenGLImage& image_;
-    const StateKeeper& state_;
+    const GLStateKeeper& state_;
 };
 
 namespace {
@@ -136,7 +89,7 @@ bool EffectDrawing::draw(std::string& fault)
     findTextures();
     if (!makeTargets(fault))
         return false;
-    const StateKeeper state;
+    const GLStateKeeper state;
     for (const PreparedPass& pass : passes_) {
         defineTargets(pass, state);
         if (pass.target == EffectPass::kOutput)
@@ -200,7 +153,7 @@ bool EffectDrawing::makeTargets(std::string& fault)
 }
 
 // A target's texture comes with the pixels of whoever had it before.
-void EffectDrawing::defineTargets(const PreparedPass& pass, const StateKeeper& state)
+void EffectDrawing::defineTargets(const PreparedPass& pass, const GLStateKeeper& state)
 {
     const auto define = [&](int index) {
         if (index < 0 || targets_[static_cast<std::size_t>(index)].isDefined)
@@ -219,7 +172,7 @@ void EffectDrawing::defineTargets(const PreparedPass& pass, const StateKeeper& s
 
 void EffectDrawing::drawToOutput(const PreparedPass& pass)
 {
-    glPushAttrib(StateKeeper::kAttributes);
+    glPushAttrib(GLStateKeeper::kAttributes);
     if (drawing_.blend_) {
         glEnable(GL_BLEND);
         glBlendEquation(GL_FUNC_ADD);
@@ -232,7 +185,7 @@ void EffectDrawing::drawToOutput(const PreparedPass& pass)
 }
 
 // GL must not read what it draws into: a pass that does gets another texture to draw into.
-void EffectDrawing::drawToTarget(const PreparedPass& pass, const StateKeeper& state)
+void EffectDrawing::drawToTarget(const PreparedPass& pass, const GLStateKeeper& state)
 {
     Target& target = targets_[static_cast<std::size_t>(pass.target)];
     Tq::Ptr<iOpenGLImage> drawn = target.image;

@@ -12,6 +12,8 @@
 #include <string>
 #include <vector>
 
+class GLStateKeeper;
+
 /// One drawing with an effect: pass after pass into render targets and the output.
 ///
 /// Under the GL lock with a context current and the output bound. GL's state is afterwards what it
@@ -28,7 +30,6 @@ public:
     bool draw(std::string& fault);
 
 private:
-    class StateKeeper;
     class TargetInUse;
     struct Target
     {
@@ -48,9 +49,9 @@ private:
     int targetRead(const PreparedPass::Unit& unit) const;
     bool makeTarget(int index, std::string& fault);
     bool makeTargets(std::string& fault);
-    void defineTargets(const PreparedPass& pass, const StateKeeper& state);
+    void defineTargets(const PreparedPass& pass, const GLStateKeeper& state);
     void drawToOutput(const PreparedPass& pass);
-    void drawToTarget(const PreparedPass& pass, const StateKeeper& state);
+    void drawToTarget(const PreparedPass& pass, const GLStateKeeper& state);
     void drawPass(const PreparedPass& pass, const Vertices& vertices, const XY<int>& size);
     EffectTexture textureOf(const PreparedPass::Unit& unit) const;
     EffectTexture textureNamed(const std::string& name) const;

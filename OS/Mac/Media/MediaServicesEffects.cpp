@@ -3,6 +3,7 @@
 
 #include "OS/Host/EffectCompiler/EffectRuntime.h"
 #include "OS/Mac/Effects/FXFile.h"
+#include "OS/Mac/Effects/OpenGL3DEffect.h"
 #include "OS/Mac/Effects/OpenGLShaderEffect.h"
 #include "OS/Mac/OpenGL/Contexts/OpenGLUtils.h"
 
@@ -31,5 +32,7 @@ Tq::Ptr<iFXFile> MediaServices::compileFXFile(const LightweightString<wchar_t>& 
 
 Tq::Ptr<i3DEffect> MediaServices::create3DEffect()
 {
-    return {};
+    if (!canUseGPU())
+        return {};
+    return new OpenGL3DEffect;
 }

@@ -54,14 +54,15 @@ public:
 
     ~i3DEffect() override = default;
 
-    /// From space to the viewer's place: he is at the origin and looks along -z.
+    /// From space to the viewer's place: he is at the origin and looks along -z. At first he stands
+    /// on the z axis where a picture without a mesh, as large as the target, fills it.
     virtual void setView(const Matrix& view) = 0;
     /// The usual one: stands at eye and looks at a place. Where the three do not say which way is
     /// up, nothing changes and the answer is false.
     virtual bool setView(const XYZ<float>& eye, const XYZ<float>& at, const XYZ<float>& up) = 0;
     /// @param verticalDegrees what is seen from top to bottom, above 0 and below 180
     /// @param nearest, farthest distances, 0 < nearest < farthest
-    /// @return false, and nothing changes, for others
+    /// @return false, and nothing changes, for others. At first 45, 0.1 and 100.
     virtual bool setPerspective(float verticalDegrees, float nearest, float farthest) = 0;
 
     /// Light falls by Lambert's law on both sides of a sheet, and each point's normal is that of
@@ -72,8 +73,10 @@ public:
     /// Draws sheets on a ground that replaces all of an image. Nearer ones hide farther ones,
     /// whatever their order; where they are translucent, farther ones come first in the list. A
     /// sheet without pictures, or whose mesh has another number of points than its columns and rows
-    /// ask for, is left out; so is what is not in front of the viewer.
-    /// @param target in 32-bit words, iGPUImage::eARGB8 or eRGB32
+    /// ask for, is left out; so is what is not in front of the viewer. Edges are softened where the
+    /// driver can. A target may be among the pictures.
+    /// @param target of a format that has a texel for each pixel
+    /// @param ground not premultiplied
     /// @return false where the target cannot be drawn on
     virtual bool render(const std::vector<Sheet>& sheets, const NormalisedRGB& ground,
                         const Tq::Ptr<iGPUImage>& target) = 0;

@@ -1,0 +1,37 @@
+#include "OS/Mac/Effects/GLStateKeeper.h"
+
+#include <initializer_list>
+
+GLStateKeeper::GLStateKeeper()
+{
+    glGetIntegerv(GL_CURRENT_PROGRAM, &program_);
+    glGetIntegerv(GL_DRAW_FRAMEBUFFER_BINDING, &draw_);
+    glGetIntegerv(GL_READ_FRAMEBUFFER_BINDING, &read_);
+    glPushAttrib(kAttributes);
+    glPushClientAttrib(GL_CLIENT_VERTEX_ARRAY_BIT);
+    glBindBuffer(GL_ARRAY_BUFFER, 0);
+    for (const GLenum matrix : {GL_PROJECTION, GL_MODELVIEW}) {
+        glMatrixMode(matrix);
+        glPushMatrix();
+        glLoadIdentity();
+    }
+    glColor4f(1.0f, 1.0f, 1.0f, 1.0f);
+}
+
+GLStateKeeper::~GLStateKeeper()
+{
+    for (const GLenum matrix : {GL_PROJECTION, GL_MODELVIEW}) {
+        glMatrixMode(matrix);
+        glPopMatrix();
+    }
+    glPopClientAttrib();
+    glPopAttrib();
+    glUseProgram(static_cast<GLuint>(program_));
+    bindOutput();
+}
+
+void GLStateKeeper::bindOutput() const
+{
+    glBindFramebuffer(GL_DRAW_FRAMEBUFFER, static_cast<GLuint>(draw_));
+    glBindFramebuffer(GL_READ_FRAMEBUFFER, static_cast<GLuint>(read_));
+}

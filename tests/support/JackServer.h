@@ -7,14 +7,47 @@
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
+#include <filesystem>
 #include <optional>
+#include <sched.h>
 #include <string>
+#include <sys/file.h>
+#include <sys/mount.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <jack/jack.h>
 #include <jack/midiport.h>
+
+/// Shared memory of this process's own, if it may, else the machine's, with other tests locked out:
+/// a machine has eight places for servers, keeps those of killed ones, and clients of two servers
+/// disturb each other. For the main thread, before it starts others that use a server.
+class ServerMemory
+{
+public:
+    ServerMemory()
+    {
+        static const bool isOwn = unshare(CLONE_NEWNS) == 0 &&
+                                  mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+                                  mount("tmpfs", "/dev/shm", "tmpfs", 0, nullptr) == 0;
+        if (isOwn)
+            return;
+        const auto path = std::filesystem::temp_directory_path() / "vantor-test-jack.lock";
+        file_ = open(path.c_str(), O_RDONLY | O_CREAT | O_CLOEXEC, 0644);
+        flock(file_, LOCK_EX);
+    }
+    ServerMemory(const ServerMemory&) = delete;
+    ServerMemory& operator=(const ServerMemory&) = delete;
+    ~ServerMemory()
+    {
+        if (file_ >= 0)
+            close(file_);
+    }
+
+private:
+    int file_ = -1;
+};
 
 /// A server of the test's own, without sound hardware and with cycles of 1.3 ms, that this
 /// process's clients find. One at a time: clients of two servers disturb each other.
@@ -47,17 +80,15 @@ private:
     void start(const std::string& periodFrames)
     {
         end(SIGKILL);
-        static int number = 0;
-        name_ = "vantor-test-" + std::to_string(getpid()) + "-" + std::to_string(++number);
-        setenv("JACK_DEFAULT_SERVER", name_.c_str(), 1);
+        setenv("JACK_DEFAULT_SERVER", kName, 1);
         process_ = fork();
         if (process_ == 0) {
             prctl(PR_SET_PDEATHSIG, SIGKILL);
             const int nowhere = open("/dev/null", O_RDWR);
             for (int stream = 0; stream < 3; ++stream)
                 dup2(nowhere, stream);
-            execlp("jackd", "jackd", "-r", "-m", "-S", "-p", "64", "-n", name_.c_str(), "-d",
-                   "dummy", "-r", "48000", "-p", periodFrames.c_str(), nullptr);
+            execlp("jackd", "jackd", "-r", "-m", "-S", "-p", "64", "-n", kName, "-d", "dummy", "-r",
+                   "48000", "-p", periodFrames.c_str(), nullptr);
             _exit(kNotInstalled);
         }
         isUp_ = waitUntil([&] { return hasEnded() || answers(); }) && !hasEnded();
@@ -90,7 +121,11 @@ private:
 
     static constexpr int kNotInstalled = 127;
 
-    std::string name_;
+    // Always the same: a server that was killed keeps one of the machine's eight places until one
+    // of its name starts again.
+    static constexpr char kName[] = "vantor-test";
+
+    const ServerMemory memory_;
     pid_t process_ = -1;
     bool isUp_ = false;
     bool isInstalled_ = true;

@@ -9,4 +9,7 @@ namespace EffectCompiler {
 /// not, and reports what does not fit. Called once, on a tree without syntax errors.
 void check(SyntaxTree& tree, Messages& messages);
 
+/// Whether a parameter of an entry function is given in the pass, not for each vertex or pixel.
+bool takesArgument(const Variable& parameter);
+
 } // namespace EffectCompiler

@@ -27,6 +27,7 @@ struct Limits
 
 struct Record;
 struct Function;
+struct Intrinsic;
 struct Variable;
 struct Expression;
 
@@ -116,8 +117,10 @@ struct Expression
     // Completed by the checker.
     Type type;
     bool isLvalue = false;
-    const Variable* variable = nullptr; ///< of names
-    const Function* function = nullptr; ///< of calls of functions that the effect defines
+    const Variable* variable = nullptr;   ///< of names
+    const Function* function = nullptr;   ///< of calls of functions that the effect defines
+    const Intrinsic* intrinsic = nullptr; ///< of calls of functions of the language
+    bool hasEffects = false;              ///< whether it assigns to something, or calls what does
 };
 
 /// A state's value as written, before names are looked up.
@@ -130,6 +133,8 @@ struct State
     std::string profile, entry;  ///< of "compile PROFILE ENTRY(..)"; profile "asm" for asm { }
     std::vector<Expression*>
         arguments; ///< of compile: they bind the entry's uniform parameters in order
+
+    const Function* function = nullptr; ///< what entry names; completed by the checker
 };
 
 /// A parameter of an effect, a global, a local, or a parameter of a function.
@@ -155,6 +160,8 @@ struct Variable
     Direction direction = Direction::eIn;
     std::vector<Annotation> annotations;
     const std::vector<State>* states = nullptr; ///< of samplers
+
+    bool isWritten = false; ///< anywhere in the effect; completed by the checker
 
     /// Whether the host may set it: a global that is neither static nor const with a value.
     bool isEffectParameter() const { return isGlobal && !isStatic && !(isConst && initialiser); }
@@ -199,6 +206,12 @@ struct Function
     Statement* body = nullptr;      ///< null for a prototype, and for an interface's method
     const Record* owner = nullptr;  ///< of methods
     Function* definition = nullptr; ///< of a prototype, once it is seen; set by the checker
+
+    // Completed by the checker.
+    Variable* self = nullptr; ///< of methods: the object
+    bool hasEffects = false;  ///< writes to a global, or calls what does
+    std::vector<const Function*>
+        callees; ///< each once, with bodies; of interfaces, all that may be
 };
 
 struct PassSyntax

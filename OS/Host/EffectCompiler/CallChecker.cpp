@@ -2,6 +2,7 @@
 #include "OS/Host/EffectCompiler/Types.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace EffectCompiler {
 namespace {
@@ -15,7 +16,7 @@ using Costs = std::vector<int>;
 
 std::string quoted(std::string_view text)
 {
-    return "\"" + std::string(text) + "\"";
+    return "'" + std::string(text) + "'";
 }
 
 std::optional<int> costOf(const Variable& parameter, const Type& argument)
@@ -194,7 +195,7 @@ void ExpressionChecker::passArguments(Expression& expression, const Function& fu
         }
         Expression*& argument = expression.operands[firstArgument + i];
         const std::string where =
-            "in argument " + std::to_string(i + 1) + " of \"" + function.name + "\"";
+            "in argument " + std::to_string(i + 1) + " of '" + function.name + "'";
         if (parameter.direction == Direction::eIn)
             convert(argument, parameter.type, where);
         else
@@ -268,7 +269,7 @@ void ExpressionChecker::callTranspose(Expression& expression)
 {
     auto& operands = expression.operands;
     if (operands.size() != 1 || !isNumeric(operands[0]->type) || !isMatrix(operands[0]->type))
-        return fail(expression, "no function \"transpose\" takes " + argumentTypes(expression, 0));
+        return fail(expression, "no function 'transpose' takes " + argumentTypes(expression, 0));
     const Type type = operands[0]->type;
     expression.type = matrixType(type.scalar, type.columns, type.rows);
 }
@@ -277,7 +278,7 @@ void ExpressionChecker::callMul(Expression& expression)
 {
     auto& operands = expression.operands;
     const auto refuse = [&] {
-        fail(expression, "no function \"mul\" takes " + argumentTypes(expression, 0));
+        fail(expression, "no function 'mul' takes " + argumentTypes(expression, 0));
     };
     if (operands.size() != 2 || !isNumeric(operands[0]->type) || !isNumeric(operands[1]->type))
         return refuse();
@@ -300,8 +301,8 @@ void ExpressionChecker::callMul(Expression& expression)
     } else {
         return refuse();
     }
-    convert(operands[0], left, "in argument 1 of \"mul\"");
-    convert(operands[1], right, "in argument 2 of \"mul\"");
+    convert(operands[0], left, "in argument 1 of 'mul'");
+    convert(operands[1], right, "in argument 2 of 'mul'");
     expression.type = result;
 }
 

@@ -38,6 +38,10 @@ public:
         }
         findRecursion();
         spread();
+        for (Variable& variable : tree_.variables) {
+            if (variable.isParameter)
+                walk(variable.initialiser, [this](Expression& expression) { settle(expression); });
+        }
         for (Function* function : tree_.functions)
             walk(function->body, [this](Expression& expression) { settle(expression); });
         for (Variable* variable : tree_.globals)
@@ -174,7 +178,7 @@ private:
             const Function* callee = step.function->callees[step.next++];
             State& state = states[callee];
             if (state == State::eOpen) {
-                messages_.error(callee->place, "function \"" + callee->name + "\" calls itself");
+                messages_.error(callee->place, "function '" + callee->name + "' calls itself");
             } else if (state == State::eNew) {
                 state = State::eOpen;
                 stack.push_back({callee, 0});

@@ -1,8 +1,10 @@
 #include "OS/Host/EffectCompiler/Checker.h"
 
 #include "OS/Host/EffectCompiler/CallGraph.h"
+#include "OS/Host/EffectCompiler/ConstantGlobals.h"
 #include "OS/Host/EffectCompiler/Declarations.h"
 #include "OS/Host/EffectCompiler/ExpressionChecker.h"
+#include "OS/Host/EffectCompiler/SamplerKinds.h"
 #include "OS/Host/EffectCompiler/StatementChecker.h"
 #include "OS/Host/EffectCompiler/Types.h"
 
@@ -27,8 +29,12 @@ public:
         expressions_.scopes().open();
         for (Function* function : tree_.functions)
             checkSignature(*function);
-        for (Variable* global : tree_.globals)
+        for (const Variable* global : tree_.globals)
+            expressions_.hide(global);
+        for (Variable* global : tree_.globals) {
             checkGlobal(*global);
+            expressions_.show(global);
+        }
         for (Function* function : tree_.functions) {
             if (function->body && !messages_.isFull())
                 StatementChecker(expressions_, messages_).checkFunction(*function);
@@ -41,16 +47,23 @@ public:
         }
         expressions_.scopes().close();
         if (!messages_.hasErrors())
-            completeCalls(tree_, messages_);
+            complete();
     }
 
 private:
+    void complete()
+    {
+        completeCalls(tree_, messages_);
+        inferSamplerKinds(tree_, messages_);
+        markConstantGlobals(tree_);
+    }
+
     void checkSignature(Function& function)
     {
         for (Variable* parameter : function.parameters) {
             const auto& dims = parameter->type.dims;
             if (std::find(dims.begin(), dims.end(), 0) != dims.end()) {
-                messages_.error(parameter->place, "array \"" + parameter->name + "\" needs a size");
+                messages_.error(parameter->place, "array '" + parameter->name + "' needs a size");
                 parameter->type = errorType();
             }
             // Shared with the function's other declarations: becomes what it must be only once.
@@ -74,7 +87,7 @@ private:
     void checkGlobal(Variable& global)
     {
         if (isVoid(global.type)) {
-            messages_.error(global.place, "\"" + global.name + "\" cannot be of type 'void'");
+            messages_.error(global.place, "'" + global.name + "' cannot be of type 'void'");
             global.type = errorType();
         }
         const bool isChecked = global.initialiser && global.type.scalar != Scalar::eString &&
@@ -84,7 +97,7 @@ private:
             expressions_.checkInitialiser(global.initialiser, global.type);
         const auto& dims = global.type.dims;
         if (std::find(dims.begin(), dims.end(), 0) != dims.end()) {
-            messages_.error(global.place, "array \"" + global.name + "\" needs a size");
+            messages_.error(global.place, "array '" + global.name + "' needs a size");
             global.type = errorType();
         }
     }
@@ -98,7 +111,7 @@ private:
         const auto found = std::find_if(functions.begin(), functions.end(),
                                         [](const Function* function) { return function->body; });
         if (found == functions.end()) {
-            messages_.error(state.place, "undefined function \"" + state.entry + "\"");
+            messages_.error(state.place, "undefined function '" + state.entry + "'");
             return;
         }
         state.function = *found;
@@ -107,11 +120,11 @@ private:
             if (!takesArgument(*parameter) || next == state.arguments.size())
                 continue;
             expressions_.checkAs(state.arguments[next], parameter->type,
-                                 "for \"" + parameter->name + "\" of \"" + state.entry + "\"");
+                                 "for '" + parameter->name + "' of '" + state.entry + "'");
             ++next;
         }
         if (next < state.arguments.size())
-            messages_.error(state.place, "function \"" + state.entry + "\" has only " +
+            messages_.error(state.place, "function '" + state.entry + "' has only " +
                                              std::to_string(next) + " uniform parameters");
     }
 

@@ -32,7 +32,7 @@ bool hasSameParameters(const Function& left, const Function& right)
                       });
 }
 
-Declarations::Declarations(SyntaxTree& tree, Messages& messages) : tree_(tree), messages_(messages)
+Declarations::Declarations(SyntaxTree& tree, Messages& messages) : messages_(messages)
 {
     for (Record* record : tree.records)
         addRecord(*record);
@@ -50,52 +50,31 @@ Declarations::Declarations(SyntaxTree& tree, Messages& messages) : tree_(tree), 
 
 void Declarations::addRecord(Record& record)
 {
-    if (!records_.emplace(record.name, &record).second)
-        messages_.error(record.place, "\"" + record.name + "\" is defined twice");
-    if (!addFields(record)) {
+    if (record.fields.size() > Limits::kFields || record.methods.size() > Limits::kOverloads) {
+        messages_.error(record.place, "struct '" + record.name + "' has too many members");
         record.fields.clear();
-        record.leaves = record.depth = 1;
+        record.methods.clear();
     }
-}
-
-bool Declarations::addFields(Record& record)
-{
     std::unordered_set<std::string_view> names;
-    long long leaves = 0;
     for (const Field& field : record.fields) {
         if (!names.insert(field.name).second)
-            messages_.error(field.place, "field \"" + field.name + "\" is defined twice");
-        const Record* inner = field.type.record;
-        if (isVoid(field.type) || (inner && inner->isInterface) || inner == &record) {
-            messages_.error(field.place, "field \"" + field.name + "\" cannot be of type '" +
-                                             nameOf(field.type) + "'");
-            return false;
-        }
-        leaves += leavesOf(field.type);
-        record.depth = std::max(record.depth, inner ? inner->depth + 1 : 1);
+            messages_.error(field.place, "field '" + field.name + "' is defined twice");
+        if (field.type.record && field.type.record->isInterface)
+            messages_.error(field.place, "field '" + field.name + "' cannot be of interface '" +
+                                             field.type.record->name + "'");
     }
-    record.leaves = static_cast<int>(std::clamp<long long>(leaves, 1, Limits::kElements));
-    if (leaves <= Limits::kElements && record.fields.size() <= Limits::kFields &&
-        record.depth <= Limits::kDepth)
-        return true;
-    messages_.error(record.place, "\"" + record.name + "\" is too big");
-    return false;
 }
 
 void Declarations::addMethods(Record& record)
 {
-    if (record.methods.size() > Limits::kOverloads) {
-        messages_.error(record.place, "\"" + record.name + "\" has too many methods");
-        record.methods.clear();
-    }
     for (const Function* method : record.methods) {
         const auto isTwin = [&](const Function* other) {
             return other != method && other->body && method->body && other->name == method->name &&
                    hasSameParameters(*other, *method);
         };
         if (std::any_of(record.methods.begin(), record.methods.end(), isTwin))
-            messages_.error(method->place, "method \"" + method->name +
-                                               "\" is defined twice with the same parameters");
+            messages_.error(method->place, "method '" + method->name +
+                                               "' is defined twice with the same parameters");
         if (record.isInterface && method->body)
             messages_.error(method->place, "a method of an interface has no body");
     }
@@ -106,7 +85,7 @@ void Declarations::checkImplements(const Record& record)
     if (!record.implements)
         return;
     if (!record.implements->isInterface) {
-        messages_.error(record.place, "\"" + record.implements->name + "\" is no interface");
+        messages_.error(record.place, "'" + record.implements->name + "' is no interface");
         return;
     }
     for (const Function* wanted : record.implements->methods) {
@@ -115,16 +94,16 @@ void Declarations::checkImplements(const Record& record)
                    hasSameParameters(*method, *wanted);
         };
         if (std::none_of(record.methods.begin(), record.methods.end(), fits))
-            messages_.error(record.place, "\"" + record.name + "\" lacks the method \"" +
-                                              wanted->name + "\" of \"" + record.implements->name +
-                                              "\"");
+            messages_.error(record.place, "'" + record.name + "' lacks the method '" +
+                                              wanted->name + "' of '" + record.implements->name +
+                                              "'");
     }
 }
 
 void Declarations::addGlobal(Variable& variable)
 {
     if (!globals_.emplace(variable.name, &variable).second)
-        messages_.error(variable.place, "\"" + variable.name + "\" is defined twice");
+        messages_.error(variable.place, "'" + variable.name + "' is defined twice");
 }
 
 void Declarations::addFunction(Function& function)
@@ -138,17 +117,17 @@ void Declarations::addFunction(Function& function)
             overloads.push_back(&function);
         else
             messages_.error(function.place,
-                            "function \"" + function.name + "\" has too many overloads");
+                            "function '" + function.name + "' has too many overloads");
         return;
     }
     Function& earlier = **same;
     if (earlier.result != function.result)
         messages_.error(function.place,
-                        "function \"" + function.name +
-                            "\" differs from its other declaration only in its result");
+                        "function '" + function.name +
+                            "' differs from its other declaration only in its result");
     else if (earlier.body && function.body)
-        messages_.error(function.place, "function \"" + function.name +
-                                            "\" is defined twice with the same parameters");
+        messages_.error(function.place, "function '" + function.name +
+                                            "' is defined twice with the same parameters");
     takeDefaults(function, earlier);
     takeDefaults(earlier, function);
     if (!function.body) {

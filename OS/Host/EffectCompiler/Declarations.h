@@ -28,15 +28,12 @@ public:
 
 private:
     void addRecord(Record& record);
-    bool addFields(Record& record);
     void checkImplements(const Record& record);
     void addGlobal(Variable& variable);
     void addFunction(Function& function);
     void addMethods(Record& record);
 
-    SyntaxTree& tree_;
     Messages& messages_;
-    std::unordered_map<std::string_view, Record*> records_;
     std::unordered_map<std::string_view, Variable*> globals_;
     std::unordered_map<std::string_view, std::vector<Function*>> functions_;
 };

@@ -13,7 +13,7 @@ using Scalar = Type::Scalar;
 
 std::string quoted(std::string_view text)
 {
-    return "\"" + std::string(text) + "\"";
+    return "'" + std::string(text) + "'";
 }
 
 std::string typeText(const Type& type)
@@ -149,7 +149,7 @@ void ExpressionChecker::checkName(Expression& expression)
         variable = function_->self;
     if (!variable)
         variable = declarations_.global(name);
-    if (!variable)
+    if (!variable || hidden_.contains(variable))
         return fail(expression, "undefined variable " + quoted(name));
     expression.variable = variable;
     expression.type = variable->type;

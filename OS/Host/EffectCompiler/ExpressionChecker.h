@@ -8,6 +8,7 @@
 
 #include <string>
 #include <string_view>
+#include <unordered_set>
 
 namespace EffectCompiler {
 
@@ -25,6 +26,9 @@ public:
     Scopes& scopes() { return scopes_; }
     /// Whose body the expressions are in; null at file scope.
     void setFunction(Function* function) { function_ = function; }
+    /// A global may not be used in what comes before its declaration at file scope.
+    void hide(const Variable* global) { hidden_.insert(global); }
+    void show(const Variable* global) { hidden_.erase(global); }
 
     void check(Expression& expression);
     /// Checks, and makes it the type that is wanted.
@@ -32,8 +36,8 @@ public:
     void checkAs(Expression*& expression, const Type& type, std::string_view where);
     /// Checks, and makes it a bool. @param what needs it: "if"
     void checkCondition(Expression*& expression, std::string_view what);
-    /// Checks an initialiser, which may be a list. Gives type its size where it has none.
-    void checkInitialiser(Expression*& expression, Type& type);
+    /// Checks an initialiser, which may be a list.
+    void checkInitialiser(Expression*& expression, const Type& type);
 
 private:
     // Names, operators: ExpressionChecker.cpp.
@@ -75,7 +79,7 @@ private:
     std::string argumentTypes(const Expression& expression, std::size_t firstArgument) const;
 
     // Initialisers: InitialiserChecker.cpp.
-    void fillFromList(Expression*& expression, Type& type);
+    void fillFromList(Expression*& expression, const Type& type);
     void fillMembers(Expression& list, const Type& type);
     void flatten(Expression& list, std::vector<Expression*>& leaves);
     Expression* takeLeaves(const Type& type, std::vector<Expression*>& leaves, std::size_t& next,
@@ -93,6 +97,7 @@ private:
     Messages& messages_;
     Scopes scopes_;
     Function* function_ = nullptr;
+    std::unordered_set<const Variable*> hidden_;
 };
 
 } // namespace EffectCompiler

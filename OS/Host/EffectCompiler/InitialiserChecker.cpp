@@ -25,13 +25,11 @@ Type memberType(const Type& type, std::size_t index)
 
 } // namespace
 
-void ExpressionChecker::checkInitialiser(Expression*& expression, Type& type)
+void ExpressionChecker::checkInitialiser(Expression*& expression, const Type& type)
 {
     if (expression->kind == Kind::eList)
         return fillFromList(expression, type);
     check(*expression);
-    if (isArray(type) && type.dims[0] == 0 && isArray(expression->type))
-        type.dims[0] = expression->type.dims[0];
     convert(expression, type, "in initialization");
 }
 
@@ -48,17 +46,12 @@ void ExpressionChecker::flatten(Expression& list, std::vector<Expression*>& leav
     }
 }
 
-void ExpressionChecker::fillFromList(Expression*& expression, Type& type)
+void ExpressionChecker::fillFromList(Expression*& expression, const Type& type)
 {
     Expression& list = *expression;
-    const bool isUnsized = isArray(type) && type.dims[0] == 0;
-    const bool isNested = std::any_of(list.operands.begin(), list.operands.end(),
-                                      [](const Expression* e) { return e->kind == Kind::eList; });
-    if (isUnsized && isNested)
-        type.dims[0] = static_cast<int>(list.operands.size());
     if (isError(type))
         return fail(list, {});
-    if (isAggregate(type) && !isUnsized && list.operands.size() == memberCount(type)) {
+    if (isAggregate(type) && list.operands.size() == memberCount(type)) {
         fillMembers(list, type);
         return;
     }
@@ -67,13 +60,6 @@ void ExpressionChecker::fillFromList(Expression*& expression, Type& type)
     if (std::any_of(leaves.begin(), leaves.end(),
                     [](const Expression* e) { return isError(e->type); }))
         return fail(list, {});
-    if (isUnsized && !isNested) {
-        int total = 0;
-        for (const Expression* leaf : leaves)
-            total += leavesOf(leaf->type);
-        const Type element = elementOf(type);
-        type.dims[0] = total / std::max(1, leavesOf(element));
-    }
     std::size_t next = 0;
     Expression* filled = takeLeaves(type, leaves, next, list.place);
     if (!filled)
@@ -87,7 +73,7 @@ void ExpressionChecker::fillMembers(Expression& list, const Type& type)
 {
     list.type = type;
     for (std::size_t i = 0; i < list.operands.size(); ++i) {
-        Type member = memberType(type, i);
+        const Type member = memberType(type, i);
         checkInitialiser(list.operands[i], member);
     }
 }

@@ -74,7 +74,7 @@ void ExpressionChecker::checkMember(Expression& expression)
         const Field* field = Declarations::field(*object.type.record, expression.text);
         if (!field)
             return fail(expression,
-                        "'" + nameOf(object.type) + "' has no field \"" + expression.text + "\"");
+                        "'" + nameOf(object.type) + "' has no field '" + expression.text + "'");
         expression.type = field->type;
         expression.isLvalue = object.isLvalue;
         return;
@@ -91,7 +91,7 @@ void ExpressionChecker::checkSwizzle(Expression& expression)
         isNumeric(object.type) ? swizzleOf(expression.text, object.type.columns) : std::nullopt;
     if (!components)
         return fail(expression,
-                    "'" + nameOf(object.type) + "' has no member \"" + expression.text + "\"");
+                    "'" + nameOf(object.type) + "' has no member '" + expression.text + "'");
     const int count = static_cast<int>(components->size());
     expression.type =
         count == 1 ? scalarType(object.type.scalar) : vectorType(object.type.scalar, count);
@@ -104,7 +104,7 @@ void ExpressionChecker::checkMatrixElements(Expression& expression)
     const auto elements = matrixElementsOf(expression.text, object.type.rows, object.type.columns);
     if (!elements)
         return fail(expression,
-                    "'" + nameOf(object.type) + "' has no member \"" + expression.text + "\"");
+                    "'" + nameOf(object.type) + "' has no member '" + expression.text + "'");
     const int count = static_cast<int>(elements->size());
     expression.type =
         count == 1 ? scalarType(object.type.scalar) : vectorType(object.type.scalar, count);

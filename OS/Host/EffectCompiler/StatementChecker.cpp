@@ -16,7 +16,7 @@ using Scalar = Type::Scalar;
 
 std::string quoted(std::string_view text)
 {
-    return "\"" + std::string(text) + "\"";
+    return "'" + std::string(text) + "'";
 }
 
 /// The number that a "case" names.

@@ -23,6 +23,8 @@ struct Limits
     static constexpr int kDepth = 200;      ///< of nested expressions, blocks, includes and types
     static constexpr int kOperators = 1000; ///< of an expression, on the way to its deepest part
     static constexpr int kElements = 65536; ///< of a type, all dimensions and fields counted
+    static constexpr std::size_t kFields = 1024;   ///< of a struct
+    static constexpr std::size_t kOverloads = 256; ///< of a function; methods of a struct
 };
 
 struct Record;
@@ -161,7 +163,9 @@ struct Variable
     std::vector<Annotation> annotations;
     const std::vector<State>* states = nullptr; ///< of samplers
 
-    bool isWritten = false; ///< anywhere in the effect; completed by the checker
+    // Completed by the checker.
+    bool isWritten = false;        ///< anywhere in the effect
+    bool hasConstantValue = false; ///< of globals: GLSL too takes the initialiser for constant
 
     /// Whether the host may set it: a global that is neither static nor const with a value.
     bool isEffectParameter() const { return isGlobal && !isStatic && !(isConst && initialiser); }

@@ -1,12 +1,177 @@
 #include "OS/Host/EffectCompiler/Translator.h"
 
-namespace EffectCompiler {
+#include "OS/Host/EffectCompiler/EntryWriter.h"
 
-std::optional<ProgramText> translate(const SyntaxTree&, const PassSyntax& pass, int,
+#include <algorithm>
+#include <cctype>
+
+namespace EffectCompiler {
+namespace {
+
+bool isNamed(const std::string& name, std::initializer_list<std::string_view> names)
+{
+    std::string lower = name;
+    std::transform(lower.begin(), lower.end(), lower.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return std::find(names.begin(), names.end(), lower) != names.end();
+}
+
+bool isVertexState(const State& state)
+{
+    return isNamed(state.name, {"vertexprogram", "vertexshader"});
+}
+
+bool isFragmentState(const State& state)
+{
+    return isNamed(state.name, {"fragmentprogram", "fragmentshader", "pixelshader"});
+}
+
+bool isGeometryState(const State& state)
+{
+    return isNamed(state.name, {"geometryprogram", "geometryshader"});
+}
+
+/// Writes both programs of a pass.
+class PassWriter
+{
+public:
+    PassWriter(const SyntaxTree& tree, const PassSyntax& pass, int version, Messages& messages)
+        : pass_(pass), version_(version), messages_(messages), names_(tree),
+          vertex_(tree, names_, Stage::eVertex, version, messages),
+          fragment_(tree, names_, Stage::eFragment, version, messages)
+    {
+    }
+
+    std::optional<ProgramText> write()
+    {
+        if (!findPrograms())
+            return {};
+        ProgramText text;
+        std::set<std::string> varyings = {"cgi_COLOR0"};
+        if (fragmentState_)
+            text.fragment = fragmentText(varyings);
+        else
+            text.fragment = defaultFragment();
+        text.vertex = vertexState_ ? vertexText(varyings) : defaultVertex(varyings);
+        if (vertex_.isRefused() || fragment_.isRefused())
+            return {};
+        if (vertexState_)
+            vertex_.addUniforms(text.uniforms);
+        if (fragmentState_)
+            fragment_.addUniforms(text.uniforms);
+        return text;
+    }
+
+private:
+    bool findPrograms()
+    {
+        bool isFit = true;
+        for (const State& state : pass_.states) {
+            if (isGeometryState(state) && !state.profile.empty()) {
+                messages_.error(state.place, "geometry programs are not supported");
+                isFit = false;
+            }
+            if (!isVertexState(state) && !isFragmentState(state))
+                continue;
+            if (state.profile == "asm") {
+                messages_.error(state.place, "programs in assembly are not supported");
+                isFit = false;
+            }
+            const State* program = state.function ? &state : nullptr; // else "= NULL"
+            (isVertexState(state) ? vertexState_ : fragmentState_) = program;
+        }
+        return isFit;
+    }
+
+    std::string head() const { return "#version " + std::to_string(version_) + "\n"; }
+
+    std::string declare(const char* old, const char* direction, const std::set<std::string>& names)
+    {
+        std::string text;
+        for (const std::string& name : names)
+            text += std::string(version_ < 130 ? old : direction) + " vec4 " + name + ";\n";
+        return text.empty() ? text : text + "\n";
+    }
+
+    std::string fragmentText(std::set<std::string>& varyings)
+    {
+        EntryWriter entry(fragment_, *fragmentState_);
+        entry.write();
+        fragment_.writeFunctions();
+        if (fragment_.isRefused())
+            return {};
+        varyings = entry.inputs();
+        return assemble(fragment_, declare("varying", "in", varyings), entry.text({}));
+    }
+
+    std::string vertexText(const std::set<std::string>& varyings)
+    {
+        EntryWriter entry(vertex_, *vertexState_);
+        entry.write();
+        vertex_.writeFunctions();
+        if (vertex_.isRefused())
+            return {};
+        std::set<std::string> outputs = entry.outputs();
+        outputs.insert(varyings.begin(), varyings.end());
+        return assemble(vertex_,
+                        declare("attribute", "in", entry.inputs()) +
+                            declare("varying", "out", outputs),
+                        entry.text(varyings));
+    }
+
+    /// Extensions come first, where GLSL wants them.
+    std::string assemble(StageWriter& stage, const std::string& variables, const std::string& main)
+    {
+        const std::string declarations = stage.declarations();
+        return head() + stage.extensions() + variables + declarations + main;
+    }
+
+    std::string defaultVertex(const std::set<std::string>& varyings)
+    {
+        std::string text = head() + declare("varying", "out", varyings) +
+                           "void main()\n{\n"
+                           "    gl_Position = gl_ModelViewProjectionMatrix * gl_Vertex;\n";
+        for (const std::string& name : varyings)
+            text += "    " + name + " = " + fixedFunction(name) + ";\n";
+        return text + "}\n";
+    }
+
+    /// Where GL without programs has it.
+    static std::string fixedFunction(const std::string& varying)
+    {
+        if (varying == "cgi_COLOR0")
+            return "gl_Color";
+        if (varying == "cgi_COLOR1")
+            return "gl_SecondaryColor";
+        constexpr std::string_view kCoordinate = "cgi_TEXCOORD";
+        const bool isCoordinate = varying.starts_with(kCoordinate) &&
+                                  varying.size() == kCoordinate.size() + 1 && varying.back() < '8';
+        return isCoordinate ? std::string("gl_MultiTexCoord") + varying.back()
+                            : "vec4(0.0, 0.0, 0.0, 1.0)";
+    }
+
+    std::string defaultFragment()
+    {
+        return head() + declare("varying", "in", {"cgi_COLOR0"}) +
+               "void main()\n{\n    gl_FragData[0] = cgi_COLOR0;\n}\n";
+    }
+
+    const PassSyntax& pass_;
+    int version_;
+    Messages& messages_;
+    PassNames names_;
+    StageWriter vertex_;
+    StageWriter fragment_;
+    const State* vertexState_ = nullptr;
+    const State* fragmentState_ = nullptr;
+};
+
+} // namespace
+
+std::optional<ProgramText> translate(const SyntaxTree& tree, const PassSyntax& pass, int version,
                                      Messages& messages)
 {
-    messages.error(pass.place, "this pass cannot be translated");
-    return {};
+    return PassWriter(tree, pass, version, messages).write();
 }
 
 } // namespace EffectCompiler

@@ -110,19 +110,6 @@ bool isScalar(const Type& type)
     return isNumeric(type) && !type.isVector && !type.isMatrix;
 }
 
-int leavesOf(const Type& type)
-{
-    long long leaves = 1;
-    if (type.scalar == Scalar::eRecord && type.record) {
-        leaves = type.record->leaves;
-    } else if (isNumericScalar(type.scalar)) {
-        leaves = componentsOf(type);
-    }
-    for (const int dim : type.dims)
-        leaves = std::min<long long>(leaves * dim, Limits::kElements);
-    return static_cast<int>(leaves);
-}
-
 Type elementOf(const Type& type)
 {
     Type element = type;

@@ -52,8 +52,6 @@ inline int componentsOf(const Type& type)
 {
     return type.rows * type.columns;
 }
-/// Scalars and references in all of it, arrays and fields too; stops counting at kElements.
-int leavesOf(const Type& type);
 /// What one index selects: an element of an array, a row of a matrix, a component of a vector.
 /// eError for what has none.
 Type elementOf(const Type& type);

@@ -1,0 +1,444 @@
+#include "OS/Host/EffectCompiler/FunctionWriter.h"
+#include "OS/Host/EffectCompiler/Types.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace EffectCompiler {
+namespace {
+
+using Kind = Expression::Kind;
+using Scalar = Type::Scalar;
+
+bool isBitOperator(const std::string& sign)
+{
+    return sign == "&" || sign == "|" || sign == "^" || sign == "<<" || sign == ">>" || sign == "~";
+}
+
+bool isComparison(const std::string& sign)
+{
+    return sign == "==" || sign == "!=" ||
+           ((sign[0] == '<' || sign[0] == '>') && !isBitOperator(sign));
+}
+
+const char* comparisonName(const std::string& sign)
+{
+    if (sign == "==")
+        return "equal";
+    if (sign == "!=")
+        return "notEqual";
+    if (sign == "<")
+        return "lessThan";
+    if (sign == "<=")
+        return "lessThanEqual";
+    return sign == ">" ? "greaterThan" : "greaterThanEqual";
+}
+
+bool isSimpleName(const std::string& text)
+{
+    return std::all_of(text.begin(), text.end(), [](char c) {
+        return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
+               c == '_' || c == '.';
+    });
+}
+
+GlslValue joined(const GlslValue& left, const std::string& sign, const GlslValue& right)
+{
+    const Binding binding = bindingOf(sign);
+    const auto above = static_cast<Binding>(static_cast<int>(binding) + 1);
+    return {bound(left, binding) + " " + sign + " " + bound(right, above), binding, false};
+}
+
+} // namespace
+
+GlslValue FunctionWriter::value(const Expression& expression)
+{
+    switch (expression.kind) {
+    case Kind::eNumber:
+    case Kind::eBool:
+        return numberValue(expression.value, expression.type.scalar);
+    case Kind::eString:
+        refuse(expression.place, "GLSL has no strings");
+        return {"0", Binding::ePrimary, true};
+    case Kind::eName:
+        return nameValue(expression);
+    case Kind::eUnary:
+        return unaryValue(expression);
+    case Kind::ePostfix:
+        return stepValue(expression);
+    case Kind::eBinary:
+        return binaryValue(expression);
+    case Kind::eAssign:
+        return assignValue(expression);
+    case Kind::eConditional:
+        return conditionalValue(expression);
+    case Kind::eCall:
+    case Kind::eMethodCall:
+        return callValue(expression);
+    case Kind::eConstructor:
+        return constructorValue(expression);
+    case Kind::eCast:
+        return castValue(expression);
+    case Kind::eIndex:
+    case Kind::eMember:
+        return objectValue(expression);
+    case Kind::eList:
+        return listValue(expression);
+    }
+    return {};
+}
+
+std::string FunctionWriter::temporary(const Type& type, SourcePlace place, const std::string& value)
+{
+    const std::string name = stage_.names().local("tmp");
+    pre(stage_.declaration(type, name, place) + (value.empty() ? "" : " = " + value) + ";");
+    return name;
+}
+
+GlslValue FunctionWriter::keep(const GlslValue& value, const Type& type, SourcePlace place)
+{
+    if (!mayHaveStatements_)
+        return {bound(value, Binding::ePrimary), Binding::ePrimary, true};
+    return {temporary(type, place, value.text), Binding::ePrimary, true};
+}
+
+GlslValue FunctionWriter::stable(const GlslValue& value, const Type& type, SourcePlace place)
+{
+    if (value.isStable || (value.binding == Binding::ePrimary && isSimpleName(value.text)))
+        return value;
+    return keep(value, type, place);
+}
+
+bool FunctionWriter::isUnchanging(const Expression& expression) const
+{
+    const Variable* variable = expression.variable;
+    if (expression.kind == Kind::eName)
+        return !variable || !variable->isWritten;
+    if (expression.kind == Kind::eCall || expression.kind == Kind::eMethodCall ||
+        expression.hasEffects)
+        return false;
+    return std::all_of(expression.operands.begin(), expression.operands.end(),
+                       [this](const Expression* operand) { return isUnchanging(*operand); });
+}
+
+/// The operands from left to right: what a later one may change is kept in a temporary.
+std::vector<GlslValue> FunctionWriter::operandValues(const std::vector<const Expression*>& operands)
+{
+    std::vector<GlslValue> values;
+    for (std::size_t i = 0; i < operands.size(); ++i) {
+        GlslValue each = value(*operands[i]);
+        const bool mayChange =
+            std::any_of(operands.begin() + static_cast<std::ptrdiff_t>(i) + 1, operands.end(),
+                        [](const Expression* later) { return later->hasEffects; });
+        if (mayChange && !each.isStable && !isUnchanging(*operands[i]) &&
+            !isSampler(operands[i]->type))
+            each = keep(each, operands[i]->type, operands[i]->place);
+        values.push_back(std::move(each));
+    }
+    return values;
+}
+
+GlslValue FunctionWriter::nameValue(const Expression& expression)
+{
+    if (!expression.variable)
+        return {expression.text, Binding::ePrimary, true};
+    const Variable& variable = *expression.variable;
+    const auto local = locals_.find(&variable);
+    if (local != locals_.end())
+        return {local->second, Binding::ePrimary, false};
+    if (variable.isGlobal)
+        return stage_.global(variable, expression.place);
+    refuse(expression.place, "'" + variable.name + "' cannot be used here");
+    return {"0", Binding::ePrimary, true};
+}
+
+GlslValue FunctionWriter::unaryValue(const Expression& expression)
+{
+    const std::string& sign = expression.text;
+    if (sign == "++" || sign == "--")
+        return stepValue(expression);
+    const GlslValue operand = value(*expression.operands[0]);
+    if (sign == "+")
+        return operand;
+    if (sign == "!" && !isGlslScalar(expression.type))
+        return {"not(" + operand.text + ")", Binding::ePrimary, false};
+    if (sign == "~" && stage_.version() < 130)
+        refuse(expression.place, "GLSL 1.20 has no operator '~'");
+    std::string text = bound(operand, Binding::eUnary);
+    if (text[0] == sign[0])
+        text = "(" + text + ")"; // "--" would be another operator
+    return {sign + text, Binding::eUnary, operand.isStable};
+}
+
+/// "++" and "--", before and after.
+GlslValue FunctionWriter::stepValue(const Expression& expression)
+{
+    const bool isPostfix = expression.kind == Kind::ePostfix;
+    const Expression& operand = *expression.operands[0];
+    const Target stepped = target(operand, Use::eOnce);
+    if (stepped.parts.empty() && isPostfix)
+        return {stepped.text + expression.text, Binding::ePrimary, false};
+    if (stepped.parts.empty())
+        return {expression.text + stepped.text, Binding::eUnary, false};
+    const GlslValue old = keep(read(stepped, expression.place), operand.type, expression.place);
+    const std::string one = operand.type.scalar == Scalar::eFloat ? "1.0" : "1";
+    const GlslValue changed =
+        keep({old.text + " " + expression.text[0] + " " + one, Binding::eSum, false}, operand.type,
+             expression.place);
+    assign(stepped, changed.text, expression.place);
+    return isPostfix ? old : changed;
+}
+
+const Expression* FunctionWriter::scalarOf(const Expression& expression) const
+{
+    if (expression.kind != Kind::eCast || isGlslScalar(expression.type))
+        return nullptr;
+    const Expression& inner = *expression.operands[0];
+    return isNumeric(inner.type) && isGlslScalar(inner.type) ? &inner : nullptr;
+}
+
+GlslValue FunctionWriter::binaryValue(const Expression& expression)
+{
+    const std::string& sign = expression.text;
+    if (sign == ",")
+        return commaValue(expression);
+    if (sign == "&&" || sign == "||")
+        return logicValue(expression);
+    const Expression& left = *expression.operands[0];
+    const Expression& right = *expression.operands[1];
+    const Type& type = left.type;
+    // GLSL too takes a scalar for all components, where it calculates.
+    const bool mayBeScalar = sign == "+" || sign == "-" || sign == "*" || sign == "/";
+    const Expression* scalarLeft = mayBeScalar ? scalarOf(left) : nullptr;
+    const Expression* scalarRight = mayBeScalar && !scalarLeft ? scalarOf(right) : nullptr;
+    auto values =
+        operandValues({scalarLeft ? scalarLeft : &left, scalarRight ? scalarRight : &right});
+    const Type scalar = scalarType(type.scalar);
+    if (scalarLeft)
+        values[0] = convert(values[0], scalarLeft->type, scalar, left.place);
+    if (scalarRight)
+        values[1] = convert(values[1], scalarRight->type, scalar, right.place);
+    if (isComparison(sign))
+        return comparison(sign, type, values[0], values[1]);
+    return arithmetic(sign, type, std::move(values[0]), std::move(values[1]),
+                      !scalarLeft && !scalarRight, expression.place);
+}
+
+/// @param areMatrices whether both sides are of the type, where it is a matrix
+GlslValue FunctionWriter::arithmetic(const std::string& sign, const Type& type, GlslValue left,
+                                     GlslValue right, bool areMatrices, SourcePlace place)
+{
+    (void)stage_.typeName(type, place); // refuses what GLSL does not have
+    if (isBitOperator(sign) && stage_.version() < 130)
+        refuse(place, "GLSL 1.20 has no operator '" + sign + "'");
+    if (sign == "%") {
+        const std::string name =
+            stage_.helper(type.scalar == Scalar::eFloat ? "fmod" : "remainder", glslTypeName(type));
+        return {name + "(" + left.text + ", " + right.text + ")", Binding::ePrimary, false};
+    }
+    if (sign == "*" && areMatrices && isGlslMatrix(type))
+        return {"matrixCompMult(" + left.text + ", " + right.text + ")", Binding::ePrimary, false};
+    return joined(left, sign, right);
+}
+
+GlslValue FunctionWriter::comparison(const std::string& sign, const Type& type,
+                                     const GlslValue& left, const GlslValue& right)
+{
+    if (isGlslScalar(type))
+        return joined(left, sign, right);
+    return {std::string(comparisonName(sign)) + "(" + left.text + ", " + right.text + ")",
+            Binding::ePrimary, false};
+}
+
+GlslValue FunctionWriter::commaValue(const Expression& expression)
+{
+    const Expression& left = *expression.operands[0];
+    const Expression& right = *expression.operands[1];
+    const GlslValue first = value(left);
+    const std::size_t mark = pre_.size();
+    const GlslValue second = value(right);
+    if (!left.hasEffects || first.text.empty() || first.isStable)
+        return second;
+    const bool isPlain = pre_.size() == mark && !isVoid(left.type) && !isVoid(right.type);
+    if (isPlain)
+        return {bound(first, Binding::eAssign) + ", " + bound(second, Binding::eAssign),
+                Binding::eComma, false};
+    pre_.insert(pre_.begin() + static_cast<std::ptrdiff_t>(mark), {0, first.text + ";"});
+    return second;
+}
+
+/// "&&" and "||". Of scalars, the right side is evaluated only where the left leaves it open.
+GlslValue FunctionWriter::logicValue(const Expression& expression)
+{
+    const bool isAnd = expression.text == "&&";
+    if (!isGlslScalar(expression.type)) {
+        const auto values = operandValues({expression.operands[0], expression.operands[1]});
+        const std::string name =
+            stage_.helper(isAnd ? "and" : "or", stage_.typeName(expression.type, expression.place));
+        return {name + "(" + values[0].text + ", " + values[1].text + ")", Binding::ePrimary,
+                false};
+    }
+    const GlslValue left = value(*expression.operands[0]);
+    const Lines before = std::exchange(pre_, {});
+    const GlslValue right = value(*expression.operands[1]);
+    const Lines within = std::exchange(pre_, before);
+    if (within.empty())
+        return joined(left, expression.text, right);
+    const std::string result = temporary(expression.type, expression.place, left.text);
+    pre("if (" + std::string(isAnd ? "" : "!") + result + ") {");
+    for (const Line& each : within)
+        pre_.push_back({each.depth + 1, each.text});
+    pre_.push_back({1, result + " = " + right.text + ";"});
+    pre("}");
+    return {result, Binding::ePrimary, true};
+}
+
+GlslValue FunctionWriter::conditionalValue(const Expression& expression)
+{
+    const auto& operands = expression.operands;
+    const Type& type = expression.type;
+    if (!isGlslScalar(operands[0]->type)) {
+        const auto values = operandValues({operands[0], operands[1], operands[2]});
+        const std::string name = stage_.helper("select", stage_.typeName(type, expression.place));
+        return {name + "(" + values[0].text + ", " + values[1].text + ", " + values[2].text + ")",
+                Binding::ePrimary, false};
+    }
+    const GlslValue condition = value(*operands[0]);
+    const Lines before = std::exchange(pre_, {});
+    const GlslValue first = value(*operands[1]);
+    const Lines inFirst = std::exchange(pre_, {});
+    const GlslValue second = value(*operands[2]);
+    const Lines inSecond = std::exchange(pre_, before);
+    if (inFirst.empty() && inSecond.empty())
+        return {bound(condition, Binding::eOr) + " ? " + bound(first, Binding::eConditional) +
+                    " : " + bound(second, Binding::eConditional),
+                Binding::eConditional, false};
+    const std::string result = temporary(type, expression.place, {});
+    const auto add = [&](const Lines& lines, const GlslValue& chosen) {
+        for (const Line& each : lines)
+            pre_.push_back({each.depth + 1, each.text});
+        pre_.push_back({1, result + " = " + chosen.text + ";"});
+    };
+    pre("if (" + condition.text + ") {");
+    add(inFirst, first);
+    pre("} else {");
+    add(inSecond, second);
+    pre("}");
+    return {result, Binding::ePrimary, true};
+}
+
+GlslValue FunctionWriter::assignValue(const Expression& expression)
+{
+    if (expression.text != "=")
+        return compoundValue(expression);
+    const Expression& right = *expression.operands[1];
+    const Target left =
+        target(*expression.operands[0], right.hasEffects ? Use::eBeforeEffects : Use::eOnce);
+    const GlslValue assigned = value(right);
+    if (left.parts.empty())
+        return {left.text + " = " + bound(assigned, Binding::eAssign), Binding::eAssign, false};
+    const GlslValue kept = stable(assigned, right.type, right.place);
+    assign(left, kept.text, expression.place);
+    return kept;
+}
+
+/// "a += b". Where the types differ, a is converted to what both have in common, and back.
+GlslValue FunctionWriter::compoundValue(const Expression& expression)
+{
+    const std::string sign = expression.text.substr(0, expression.text.size() - 1);
+    const Expression& right = *expression.operands[1];
+    const Type& common = right.type;
+    const bool mayBeScalar = sign == "+" || sign == "-" || sign == "*" || sign == "/";
+    const Expression* scalar = mayBeScalar ? scalarOf(right) : nullptr;
+    const bool isProductOfMatrices = sign == "*" && isGlslMatrix(common) && !scalar;
+    const bool isNative = !right.hasEffects && common == expression.operands[0]->type &&
+                          sign != "%" && !isProductOfMatrices;
+    const Target left = target(*expression.operands[0], right.hasEffects ? Use::eBeforeEffects
+                                                        : isNative       ? Use::eOnce
+                                                                         : Use::eRepeated);
+    GlslValue old = read(left, expression.place);
+    if (right.hasEffects)
+        old = keep(old, left.type, expression.place);
+    GlslValue other = value(scalar ? *scalar : right);
+    if (scalar)
+        other = convert(other, scalar->type, scalarType(common.scalar), right.place);
+    if (isBitOperator(sign) && stage_.version() < 130)
+        refuse(expression.place, "GLSL 1.20 has no operator '" + expression.text + "'");
+    if (isNative && left.parts.empty())
+        return {left.text + " " + expression.text + " " + bound(other, Binding::eAssign),
+                Binding::eAssign, false};
+    old = convert(old, left.type, common, expression.place);
+    GlslValue result = arithmetic(sign, common, old, other, !scalar, expression.place);
+    result = convert(result, common, left.type, expression.place);
+    if (left.parts.empty())
+        return {left.text + " = " + bound(result, Binding::eAssign), Binding::eAssign, false};
+    const GlslValue kept = keep(result, left.type, expression.place);
+    assign(left, kept.text, expression.place);
+    return kept;
+}
+
+GlslValue FunctionWriter::constructorValue(const Expression& expression)
+{
+    std::vector<const Expression*> operands(expression.operands.begin(), expression.operands.end());
+    auto values = operandValues(operands);
+    std::string text;
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        const Type& type = operands[i]->type;
+        if (isGlslMatrix(type)) { // GLSL makes matrices of vectors only
+            const GlslValue kept = stable(values[i], type, expression.place);
+            for (int row = 0; row < type.rows; ++row)
+                text += (text.empty() ? "" : ", ") + kept.text + "[" + std::to_string(row) + "]";
+            continue;
+        }
+        text += (text.empty() ? "" : ", ") + bound(values[i], Binding::eAssign);
+    }
+    return {stage_.typeName(expression.type, expression.place) + "(" + text + ")",
+            Binding::ePrimary, false};
+}
+
+GlslValue FunctionWriter::castValue(const Expression& expression)
+{
+    const Expression& operand = *expression.operands[0];
+    if (!isNumeric(expression.type) && isNumeric(operand.type)) {
+        const GlslValue number = stable(value(operand), operand.type, expression.place);
+        return filled(expression.type, number, operand.type, expression.place);
+    }
+    return convert(value(operand), operand.type, expression.type, expression.place);
+}
+
+GlslValue FunctionWriter::listValue(const Expression& expression)
+{
+    std::vector<const Expression*> operands(expression.operands.begin(), expression.operands.end());
+    const auto values = operandValues(operands);
+    std::string text;
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        // An array of arrays is one array of all elements.
+        const std::string part = isArray(operands[i]->type) && isArray(expression.type)
+                                     ? elementTexts(values[i], *operands[i])
+                                     : bound(values[i], Binding::eAssign);
+        text += (text.empty() ? "" : ", ") + part;
+    }
+    const bool isEmpty = text.empty();
+    return {stage_.arrayTypeName(expression.type, expression.place) + "(" +
+                (isEmpty ? "0.0" : text) + ")",
+            Binding::ePrimary, false};
+}
+
+/// The elements of an array, separated by commas.
+std::string FunctionWriter::elementTexts(const GlslValue& array, const Expression& expression)
+{
+    if (expression.kind == Kind::eList) { // "float[2](a, b)"
+        const std::size_t open = array.text.find('(');
+        return array.text.substr(open + 1, array.text.size() - open - 2);
+    }
+    const GlslValue kept = stable(array, expression.type, expression.place);
+    std::size_t count = 1;
+    for (const int dim : expression.type.dims)
+        count *= static_cast<std::size_t>(dim);
+    std::string text;
+    for (std::size_t i = 0; i < count; ++i)
+        text += (i > 0 ? ", " : "") + kept.text + "[" + std::to_string(i) + "]";
+    return text;
+}
+
+} // namespace EffectCompiler

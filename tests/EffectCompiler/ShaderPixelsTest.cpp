@@ -1,0 +1,59 @@
+// What effects draw: translated, compiled by the real GL, and read back.
+#include "EffectRig.h"
+#include "FeatureShaders.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <vector>
+
+namespace {
+
+EffectRig& rig()
+{
+    static EffectRig only;
+    return only;
+}
+
+bool isNear(const EffectRig::Pixel& left, const std::array<float, 4>& right)
+{
+    for (std::size_t i = 0; i < 4; ++i) {
+        if (!(std::fabs(left[i] - right[i]) < 0.01F)) // not of NaN either
+            return false;
+    }
+    return true;
+}
+
+std::string textOf(const std::array<float, 4>& pixel)
+{
+    std::string text;
+    for (const float each : pixel)
+        text += std::to_string(each) + " ";
+    return text;
+}
+
+/// What a pass without programs of its own would draw is no success: so pixels must match exactly
+/// what the table says.
+void expectPixel(const FeatureShader& shader, int version)
+{
+    std::string listing;
+    const auto effect = loadFragment(shader.source, listing);
+    ASSERT_TRUE(effect) << shader.name << "\n" << listing;
+    EffectRig::Pixel pixel{};
+    const std::string fault = rig().draw(*effect, version, pixel);
+    ASSERT_EQ(fault, "") << shader.name << " in GLSL " << version;
+    const auto text = effect->translate(0, 0, version, listing);
+    EXPECT_TRUE(isNear(pixel, shader.pixel)) << shader.name << " in GLSL " << version << "\ndrew "
+                                             << textOf(pixel) << "\nnot  " << textOf(shader.pixel)
+                                             << "\n" << text->fragment;
+    EXPECT_EQ(judged(text->fragment, "frag"), "") << shader.name;
+    EXPECT_EQ(judged(text->vertex, "vert"), "") << shader.name;
+}
+
+} // namespace
+
+TEST(ShaderPixels, EveryFeatureDrawsWhatItShouldInGlsl130)
+{
+    for (const FeatureShader& shader : featureShaders())
+        expectPixel(shader, 130);
+}

@@ -59,8 +59,9 @@ std::string initialOf(const std::string& declaration)
 std::string stateOf(const std::string& state)
 {
     const Loaded loaded =
-        load("texture t; float k = 1; static const int kOne = 1;\ntechnique { pass { " + state +
-             "; } }");
+        load("texture t; float k = 1; static const int kOne = 1; float4 f() : COLOR { return 0; }"
+             "\ntechnique { pass { " +
+             state + "; } }");
     if (!loaded.effect)
         return loaded.listing;
     const auto& states = loaded.effect->techniques()[0].passes[0].states;
@@ -219,7 +220,8 @@ technique { pass { } }
 
 TEST(EffectData, TellsWhatFailedAPart)
 {
-    const Loaded profile = load("technique { pass { PixelShader = compile nosuch f(); } }");
+    const Loaded profile = load("float4 f() : COLOR { return 0; } technique { pass { PixelShader = "
+                                "compile nosuch f(); } }");
     EXPECT_FALSE(profile.effect);
     EXPECT_EQ(profile.error, Error::eInvalidProfile);
     EXPECT_EQ(profile.listing, "/nowhere/e.fx(1) : error : unknown profile 'nosuch'\n");

@@ -76,7 +76,7 @@ GLenum targetOf(TextureKind kind)
 std::vector<float> valuesOf(const Effect& effect, const Uniform& uniform, std::size_t count)
 {
     static const std::map<std::string, std::vector<float>> kKnown = {
-        {"k", {0.25F, 0.5F, 0.75F, 1.0F}}, {"kf", {0.5F}},    {"ki", {2.0F}},     {"kb", {1.0F}},
+        {"k", {0.25F, 0.5F, 0.75F, 1.0F}}, {"kf", {0.5F}},     {"ki", {2.0F}},     {"kb", {1.0F}},
         {"ua", {0.1F, 0.2F, 0.3F}},        {"ustr.x", {0.5F}}, {"ustr.y", {0.25F}}};
     std::vector<float> values(count);
     const auto known = kKnown.find(uniform.parameter);
@@ -147,7 +147,8 @@ void setUniform(GLuint program, const Effect& effect, const Uniform& uniform, GL
     if (uniform.type.base == BaseType::eSampler) {
         for (GLsizei i = 0; i < count; ++i, ++unit) {
             glActiveTexture(GL_TEXTURE0 + static_cast<GLenum>(unit));
-            glBindTexture(targetOf(uniform.type.texture), makeTexture(targetOf(uniform.type.texture)));
+            glBindTexture(targetOf(uniform.type.texture),
+                          makeTexture(targetOf(uniform.type.texture)));
             glUniform1i(location + i, unit);
         }
         glActiveTexture(GL_TEXTURE0);
@@ -189,14 +190,13 @@ EffectRig::EffectRig() : connection_(std::make_unique<Connection>())
     Display* display = connection_->display;
     if (!display)
         std::abort();
-    constexpr int kWanted[] = {GLX_DRAWABLE_TYPE, GLX_PBUFFER_BIT, GLX_RENDER_TYPE, GLX_RGBA_BIT, 0};
+    constexpr int kWanted[] = {GLX_DRAWABLE_TYPE, GLX_PBUFFER_BIT, GLX_RENDER_TYPE, GLX_RGBA_BIT,
+                               0};
     int count = 0;
-    GLXFBConfig* configs =
-        glXChooseFBConfig(display, DefaultScreen(display), kWanted, &count);
+    GLXFBConfig* configs = glXChooseFBConfig(display, DefaultScreen(display), kWanted, &count);
     constexpr int kBuffer[] = {GLX_PBUFFER_WIDTH, kSize, GLX_PBUFFER_HEIGHT, kSize, 0};
     connection_->buffer = glXCreatePbuffer(display, configs[0], kBuffer);
-    connection_->context =
-        glXCreateNewContext(display, configs[0], GLX_RGBA_TYPE, nullptr, True);
+    connection_->context = glXCreateNewContext(display, configs[0], GLX_RGBA_TYPE, nullptr, True);
     XFree(configs);
     glXMakeContextCurrent(display, connection_->buffer, connection_->buffer, connection_->context);
     GLuint texture = 0;

@@ -43,9 +43,10 @@ void expectPixel(const FeatureShader& shader, int version)
     const std::string fault = rig().draw(*effect, version, pixel);
     ASSERT_EQ(fault, "") << shader.name << " in GLSL " << version;
     const auto text = effect->translate(0, 0, version, listing);
-    EXPECT_TRUE(isNear(pixel, shader.pixel)) << shader.name << " in GLSL " << version << "\ndrew "
-                                             << textOf(pixel) << "\nnot  " << textOf(shader.pixel)
-                                             << "\n" << text->fragment;
+    EXPECT_TRUE(isNear(pixel, shader.pixel))
+        << shader.name << " in GLSL " << version << "\ndrew " << textOf(pixel) << "\nnot  "
+        << textOf(shader.pixel) << "\n"
+        << text->fragment;
     EXPECT_EQ(judged(text->fragment, "frag"), "") << shader.name;
     EXPECT_EQ(judged(text->vertex, "vert"), "") << shader.name;
 }

@@ -4,6 +4,7 @@ include(CMakePackageConfigHelpers)
 install(TARGETS VantorOS EXPORT VantorOSTargets
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT dev)
 install(DIRECTORY include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/vantor-os COMPONENT dev)
+install(DIRECTORY Shaders/ DESTINATION ${CMAKE_INSTALL_DATADIR}/vantor/Shaders COMPONENT runtime)
 install(EXPORT VantorOSTargets NAMESPACE VantorOS:: COMPONENT dev
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/VantorOS)
 configure_package_config_file(cmake/VantorOSConfig.cmake.in VantorOSConfig.cmake

@@ -9,6 +9,7 @@
 #include "OS/Mac/OpenGL/Contexts/OpenGLUtils.h"
 #include "OS/Mac/OpenGL/Drawing/OpenGLGraphicPrimitivesRenderer.h"
 #include "OS/Mac/OpenGL/Images/OpenGLImage.h"
+#include "OS/Mac/OpenGL/Text/OpenGLFont.h"
 #include "OS/Mac/Painting/PainterValues.h"
 #include "OS/Mac/Painting/QtFont.h"
 #include "OS/Mac/Painting/QtImage.h"
@@ -117,8 +118,8 @@ void addShapes(Scene& scene, Numbers& n)
 
 void addTexts(Scene& scene, Numbers& n)
 {
-    const Tq::Ptr<iFont> font = QtFont::make(L"Tahoma", 13, 0, 0);
-    scene.font = font.dynamicCast<QtFont>()->font();
+    const Tq::Ptr<iFont> font = OpenGLFont::make(L"Tahoma", 13, 0, 0);
+    scene.font = QtFont::make(L"Tahoma", 13, 0, 0).dynamicCast<QtFont>()->font();
     for (int i = 0; i < 300; ++i) {
         const std::wstring text = L"Clip " + std::to_wstring(i % 20 * 37) + L" of the reel";
         scene.texts.emplace_back(text.c_str(), XY<int>(n.from(0, 1150), n.from(20, 700)),

@@ -1,5 +1,7 @@
 #include "OpenGL/DrawingScenes.h"
 
+#include "OS/Mac/OpenGL/Drawing/OpenGLGraphicPrimitivesRendererBase.h"
+#include "OS/Mac/OpenGL/Text/OpenGLFont.h"
 #include "OS/Mac/Painting/QtFont.h"
 #include "OS/Mac/Painting/QtImage.h"
 #include "OS/Mac/Painting/QtRegion.h"
@@ -275,28 +277,32 @@ void images(iGraphicPrimitivesRenderer& r)
     r.render(rect({100, 90, 140, 110}, {1, 1, 1, 0.5f}, {1, 1, 1, 0.5f})); // replaces again
 }
 
-Tq::Ptr<iFont> font()
+// Each renderer has fonts of its own.
+Tq::Ptr<iFont> fontFor(const iGraphicPrimitivesRenderer& r, unsigned int size, unsigned int flags)
 {
-    return QtFont::make(L"Tahoma", 13, 0, 0);
+    if (dynamic_cast<const OpenGLGraphicPrimitivesRendererBase*>(&r))
+        return OpenGLFont::make(L"Tahoma", size, 0, flags);
+    return QtFont::make(L"Tahoma", size, 0, flags);
 }
 
 void texts(iGraphicPrimitivesRenderer& r)
 {
+    // At places that are whole pixels at every scale: GL puts a text on whole ones only.
+    const Tq::Ptr<iFont> font = fontFor(r, 13, 0);
     std::vector<TextDescription> descs;
-    descs.emplace_back(L"Plain gjpqy", XY<int>(5, 18), kWhite, eTextDefault, font());
-    descs.emplace_back(L"Halo text", XY<int>(5, 38), kYellow, eTextDefault, font());
+    descs.emplace_back(L"Plain gjpqy", XY<int>(4, 20), kWhite, eTextDefault, font);
+    descs.emplace_back(L"Halo text", XY<int>(4, 40), kYellow, eTextDefault, font);
     descs.back().textStyle_ = TextDescription::eHalo;
     descs.back().backColour_ = {0.5f, 0, 0};
-    descs.emplace_back(L"  Underlined", XY<int>(5, 58), kGreen, eTextDefault, font());
+    descs.emplace_back(L"  Underlined", XY<int>(4, 60), kGreen, eTextDefault, font);
     descs.back().textStyle_ = TextDescription::eUnderline;
-    descs.emplace_back(L"Highlighted", XY<int>(5, 78), kWhite, eTextDefault, font());
+    descs.emplace_back(L"Highlighted", XY<int>(4, 80), kWhite, eTextDefault, font);
     descs.back().highlightStart_ = 8;
     descs.back().highlightEnd_ = 3;
     descs.back().backColour_ = {0, 0, 1};
-    descs.emplace_back(L"Half", XY<int>(-7, 98), kRed, eTextRight, font());
-    descs.emplace_back(L"Big", XY<int>(101, 61), kWhite, eTextDefault,
-                       QtFont::make(L"Tahoma", 34, 0, iFont::eItalic));
-    descs.emplace_back(L"", XY<int>(50, 98), kWhite, eTextDefault, font());
+    descs.emplace_back(L"Half", XY<int>(-8, 100), kRed, eTextDefault, font);
+    descs.emplace_back(L"Big", XY<int>(100, 60), kWhite, eTextDefault, fontFor(r, 34, 0));
+    descs.emplace_back(L"", XY<int>(50, 98), kWhite, eTextDefault, font);
     descs.emplace_back(L"no font", XY<int>(50, 98), kWhite, eTextDefault, nullptr);
     all(r, descs);
     r.render(descs.front()); // once more, from the cache
@@ -349,7 +355,7 @@ const std::vector<DrawingScene>& drawingScenes()
         {"dotted lines", dottedLines, 40, 0.01, 0.02},
         {"curves", curves, 40, 0.03, 0.03},
         {"images", images, 3, 0, 0.04},
-        {"texts", texts, 3, 0, 0.01},
+        {"texts", texts, 24, 0.001, 0.01},
         {"one box", [](auto& r) { clipped(r, QRect(20, 15, 101, 77)); }, 40, 0.05, 0.05},
         {"twelve boxes", [](auto& r) { clipped(r, twelveBoxes()); }, 40, 0.05, 0.05},
         {"star", [](auto& r) { clipped(r, star()); }, 40, 0.05, 0.05},

@@ -6,6 +6,7 @@
 #include "OS/Mac/OpenGL/Contexts/OpenGLUtils.h"
 #include "OS/Mac/OpenGL/Drawing/DrawingResources.h"
 #include "OS/Mac/OpenGL/Images/OpenGLImage.h"
+#include "OS/Mac/OpenGL/Text/OpenGLFont.h"
 #include "OS/Mac/Painting/QtFont.h"
 #include "OS/Mac/Painting/QtImage.h"
 #include "OS/Mac/Painting/QtRegion.h"
@@ -202,7 +203,7 @@ TEST(GLRenderer, DrawsNothingOfWhatHasNoExtent)
          [&](auto& r) {
              r.render(TextDescription(L"x", {5, 5}, white, eTextDefault, nullptr));
              r.render(TextDescription(L"", {5, 5}, white, eTextDefault,
-                                      QtFont::make(L"Tahoma", 13, 0, 0)));
+                                      OpenGLFont::make(L"Tahoma", 13, 0, 0)));
          }},
         {"an effect that is not known",
          [](auto& r) {
@@ -280,7 +281,7 @@ TEST(GLRenderer, SurvivesCoordinatesFarAway)
         r.render(
             image(squares(8, 8), {kLeast, kLeast, kMost, kMost}, {kLeast, kLeast, kMost, kMost}));
         r.render(TextDescription(L"far", {kMost - 20, kLeast}, {}, eTextDefault,
-                                 QtFont::make(L"Tahoma", 13, 0, 0)));
+                                 OpenGLFont::make(L"Tahoma", 13, 0, 0)));
     });
     EXPECT_NE(drawn.pixel(32, 24), kGround);
 }
@@ -488,7 +489,6 @@ TEST(GLRendererImages, OfTheHostTakeNoMoreThanTheirShare)
         EXPECT_LE(DrawingResources::instance().uploads.bytes(), DrawingResources::kMostUploadBytes);
         Renderer::clearCaches();
         EXPECT_EQ(DrawingResources::instance().uploads.bytes(), 0u);
-        EXPECT_EQ(DrawingResources::instance().texts.bytes(), 0u);
     });
 }
 
@@ -510,43 +510,4 @@ TEST(GLRendererImages, MayBeDrawnOnThemselves)
             for (int x = 0; x < 14; ++x)
                 ASSERT_EQ(drawn.pixel(x + by.x, y + by.y), start->image()->pixel(x, y));
     }
-}
-
-TEST(GLRendererText, OfTranslucentColourLetsTheGroundThrough)
-{
-    const DrawingRig rig(60, 30, 1.0, Renderer::eTexture, 0xFF0000FF);
-    const QImage drawn = rig.withGL([](iGraphicPrimitivesRenderer& r) {
-        r.render(TextDescription(L"MMM", {2, 24}, {1, 0, 0, 0.5f}, eTextDefault,
-                                 QtFont::make(L"Tahoma", 24, 700, 0)));
-    });
-    int reddest = 0;
-    for (int y = 0; y < 30; ++y)
-        for (int x = 0; x < 60; ++x) {
-            EXPECT_EQ(qAlpha(drawn.pixel(x, y)), 255);
-            reddest = std::max(reddest, qRed(drawn.pixel(x, y)));
-            if (qRed(drawn.pixel(x, y)) >= 126) {
-                EXPECT_NEAR(qBlue(drawn.pixel(x, y)), 128, 2);
-            }
-        }
-    EXPECT_NEAR(reddest, 127, 1);
-}
-
-TEST(GLRendererText, IsForgottenInTheOrderOfItsUse)
-{
-    const Tq::Ptr<iFont> font = QtFont::make(L"Tahoma", 40, 0, 0);
-    DrawingRig(64, 64).withGL([&](iGraphicPrimitivesRenderer& r) {
-        Renderer::clearCaches();
-        std::vector<TextDescription> descs;
-        for (int i = 0; i < 400; ++i)
-            descs.emplace_back((L"A text of some length, number " + std::to_wstring(i)).c_str(),
-                               XY<int>(3, 40), NormalisedRGB(1, 1, 1), eTextDefault, font);
-        r.renderMulti(descs.data(), 400);
-        const std::size_t bytes = DrawingResources::instance().texts.bytes();
-        EXPECT_LE(bytes, DrawingResources::kMostTextBytes);
-        EXPECT_GT(bytes, DrawingResources::kMostTextBytes / 2);
-        r.render(descs.back());
-        EXPECT_EQ(DrawingResources::instance().texts.bytes(), bytes) << "it was still there";
-        Renderer::clearCaches();
-    });
-    EXPECT_EQ(font.useCount(), 1) << "no picture holds it any more";
 }

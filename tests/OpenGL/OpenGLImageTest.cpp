@@ -391,5 +391,4 @@ TEST_F(OpenGLImageTest, TheBlackTextureIsOpaqueBlack)
     expected.fill(Qt::black);
     EXPECT_EQ(textureOf(black), expected);
     EXPECT_EQ(OpenGLUtils::instance().getBlackTexture(), black) << "made once";
-    EXPECT_FALSE(OpenGLUtils::instance().getTextEffectsShader());
 }

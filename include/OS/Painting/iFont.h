@@ -10,7 +10,9 @@
 /// A typeface at one size, for measuring and drawing. All measures are logical pixels.
 ///
 /// Made by iWindowManager::createFont, iRootWindow::createFont or
-/// iMediaServices::createHostSurfaceFont. Immutable; use it on the thread that draws.
+/// iMediaServices::createHostSurfaceFont, for windows and host surfaces; for the GPU's images and
+/// back buffers by iMediaServices::createGPUSurfaceFont. Each draws on its own kind only. Immutable;
+/// use it on the thread that draws.
 class OS_API iFont : public iObject
 {
 public:

@@ -2,7 +2,7 @@
 
 #include <OS/Core/LightweightString.h>
 #include <OS/Core/Ptr.h>
-#include <OS/Effects/iShaderEffectBase.h>
+#include <OS/Effects/iShaderEffect.h>
 #include <OS/Painting/iHostImage.h>
 #include <OS/Primitives/XY.h>
 #include <OS/Threads/iCriticalSection.h>
@@ -62,8 +62,9 @@ public:
     Tq::Ptr<OpenGLImage> getBlackTexture();
     /// Makes them. Where that fails, logs "OpenGLUtils::createBlackTexture() failed\n".
     void createBlackTexture();
-    /// The effect that draws text; null where there is none.
-    Tq::Ptr<iShaderEffectBase> getTextEffectsShader() const { return textEffectsShader_; }
+    /// The effect that draws text, "Shaders/TextEffects.fx" of the application's data: loaded when
+    /// it is first asked for, and kept. Null where it cannot be loaded. Under the GL lock.
+    Tq::Ptr<iShaderEffect> getTextEffectsShader();
 
     /// Reads an image's texture back as it is stored: the answer has the physical size.
     /// @return null for null and for an image without a texture
@@ -99,7 +100,8 @@ private:
     void releaseTextures();
 
     Tq::Ptr<OpenGLImage> blackTexture_;
-    Tq::Ptr<iShaderEffectBase> textEffectsShader_;
+    Tq::Ptr<iShaderEffect> textEffectsShader_;
+    bool textEffectsAsked_ = false;
     Tq::Ptr<iCriticalSection> threadSafety_;
     Tq::Ptr<iCriticalSection> cacheSafety_;
 

@@ -14,6 +14,8 @@
 
 #include <OS.h>
 #include <OS/Core/iUtils.h>
+#include <OS/Files/iShell.h>
+#include <OS/Media/iMediaServices.h>
 #include <OS/Primitives/iGraphicPrimitivesRenderer.h>
 #include <OS/Threads/CriticalSectionLock.h>
 
@@ -76,6 +78,16 @@ Tq::Ptr<OpenGLImage> OpenGLUtils::getBlackTexture()
     return blackTexture_;
 }
 
+Tq::Ptr<iShaderEffect> OpenGLUtils::getTextEffectsShader()
+{
+    if (!textEffectsAsked_) {
+        textEffectsAsked_ = true;
+        textEffectsShader_ = OS()->mediaServices()->createShaderEffect(
+            OS()->shell()->getFolderLocation(iShell::eResources) + L"Shaders/TextEffects.fx");
+    }
+    return textEffectsShader_;
+}
+
 Tq::Ptr<iHostImage> OpenGLUtils::copyToHost(const Tq::Ptr<OpenGLImage>& image)
 {
     if (!image || image->getTextureID() == 0)
@@ -121,6 +133,7 @@ void OpenGLUtils::releaseTextures()
     const OpenGLContextProtector protector(getSharedContext());
     blackTexture_.reset();
     textEffectsShader_.reset();
+    textEffectsAsked_ = false;
     OpenGLTextureCache::instance().clear();
     OpenGLFontBase::shutdown();
     OpenGLTextureCache::instance().clear(); // texts have left their textures to it

@@ -28,13 +28,14 @@ DrawingResources::~DrawingResources()
 void DrawingResources::clearCaches()
 {
     uploads.clear();
-    texts.clear();
     fills = {};
     lines = {};
     ellipses = {};
     pies = {};
     images = {};
     scaledImages = {};
+    textRuns = {};
+    textDrawing = {};
 }
 
 } // namespace GLDrawing

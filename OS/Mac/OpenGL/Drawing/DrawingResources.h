@@ -3,12 +3,22 @@
 #include "OS/Mac/OpenGL/Drawing/Programs.h"
 #include "OS/Mac/OpenGL/Drawing/QuadPainter.h"
 #include "OS/Mac/OpenGL/Drawing/Quads.h"
-#include "OS/Mac/OpenGL/Drawing/TextImages.h"
 #include "OS/Mac/OpenGL/Drawing/TexturePool.h"
+
+#include <OS/Effects/iShaderEffect.h>
 
 #include <vector>
 
 namespace GLDrawing {
+
+/// Quads that show one picture of a text in one colour.
+struct TextRun
+{
+    Tq::Ptr<iGPUImage> image;
+    NormalisedRGB colour;
+    std::vector<ImageVertex> quads; ///< texture coordinates
+    std::vector<Box> boxes;         ///< where they are
+};
 
 /// What all renderers of the sharing group use: programs, a vertex buffer, and the caches. Made by
 /// the first renderer; everything under the GL lock, with a context of the group current.
@@ -16,7 +26,6 @@ class DrawingResources
 {
 public:
     static constexpr std::size_t kMostUploadBytes = 64u << 20;
-    static constexpr std::size_t kMostTextBytes = 16u << 20;
 
     static DrawingResources& instance();
     /// Null before the first renderer, and after shutdown.
@@ -33,7 +42,12 @@ public:
     GLuint vertexBuffer = 0;
     QuadRun run; ///< what was drawn last, by any renderer
     TexturePool uploads{kMostUploadBytes};
-    TextImages texts{kMostTextBytes};
+
+    /// Asked for once, when the first text is drawn; without it none is.
+    Tq::Ptr<iShaderEffectBase> textEffects;
+    bool hasAskedForTextEffects = false;
+    const LightweightString<char> textTechnique{"ClearTypeBlend"};
+    const LightweightString<char> faceColour{"FaceColour1"};
 
     // Room for one call's quads, kept for the next one's.
     std::vector<FillVertex> fills;
@@ -42,6 +56,8 @@ public:
     std::vector<PieVertex> pies;
     std::vector<ImageVertex> images;
     std::vector<ScaledImageVertex> scaledImages;
+    std::vector<TextRun> textRuns;
+    iShaderEffectBase::Drawing textDrawing;
 
 private:
     DrawingResources();

@@ -6,6 +6,7 @@
 #include "OS/Mac/OpenGL/Drawing/DrawingTarget.h"
 
 #include <OS/Core/Ptr.h>
+#include <OS/Effects/iShaderEffect.h>
 #include <OS/Primitives/iGraphicPrimitivesRenderer.h>
 
 #include <QRegion>
@@ -50,8 +51,9 @@ public:
     void renderMulti(const EllipseDescription* descs, unsigned int count) override;
     /// Every line lies one row above its y, deliberately. A dotted one ignores its width.
     void renderMulti(const LineDescription* descs, unsigned int count) override;
-    /// Drawn by the toolkit once, kept as a picture, and blended. The alignment is not used for
-    /// fonts of host surfaces: the text starts at its position, on the baseline.
+    /// For an OpenGLFontBase: its pictures, drawn with the text-effects shader; other fonts draw
+    /// nothing. Without that shader no text is drawn, now and later. Always blended. Highlight,
+    /// halo and underline are as the toolkit's renderer has them; the alignment counts.
     void renderMulti(const TextDescription* descs, unsigned int count) override;
     /// Always blended, whatever the blend mode: deliberate.
     void renderMulti(const AlphaRectDescription* descs, unsigned int count) override;
@@ -65,6 +67,9 @@ public:
     void renderMulti(const ImageDescriptionEx* descs, unsigned int count) override;
 
 protected:
+    /// What draws text; null where there is none. Asked once.
+    virtual Tq::Ptr<iShaderEffect> getTextEffectsShader();
+
     /// @param targetTexture what is drawn into; 0 where it is no texture
     OpenGLGraphicPrimitivesRendererBase(const GLDrawing::DrawingTarget& target,
                                         GLuint targetTexture);
@@ -73,6 +78,7 @@ protected:
 private:
     class Shapes;
     class Images;
+    class Texts;
 
     void drawWithoutEffects(const ImageDescriptionEx* descs, const ImageDescriptionEx* end);
     void drawWithEffect(const ImageDescriptionEx& desc);

@@ -1,4 +1,4 @@
-// The image and text overloads of OpenGLGraphicPrimitivesRendererBase.
+// The image overloads of OpenGLGraphicPrimitivesRendererBase.
 #include "OS/Mac/OpenGL/Drawing/OpenGLGraphicPrimitivesRendererBase.h"
 
 #include "OS/Mac/OpenGL/Drawing/DrawingResources.h"
@@ -29,7 +29,6 @@ public:
     /// Says what will be drawn, before any of it is.
     void announce(const iImageBase* image, const ImagePlacement& placement);
     void draw(const iImageBase* image, const ImagePlacement& placement, bool blend, float opacity);
-    void draw(const TextImage& text);
     void flush();
 
 private:
@@ -161,22 +160,6 @@ void OpenGLGraphicPrimitivesRendererBase::Images::add(const ImageSource& source,
         placement.addTo(resources_.images);
 }
 
-void OpenGLGraphicPrimitivesRendererBase::Images::draw(const TextImage& text)
-{
-    if (text.texture == 0)
-        return;
-    const ImagePlacement placement =
-        ImagePlacement::pixels(text.left, text.top, text.width, text.height)
-            .within(painter_.visible());
-    if (placement.isEmpty())
-        return;
-    UploadedPart part;
-    part.texture = text.texture;
-    part.part = {0, 0, text.width, text.height};
-    start({ImageSource::of(part), Blending::eOver});
-    placement.addTo(resources_.images);
-}
-
 void OpenGLGraphicPrimitivesRendererBase::Images::start(const Run& run)
 {
     if (run == run_)
@@ -235,22 +218,5 @@ void OpenGLGraphicPrimitivesRendererBase::drawWithoutEffects(const ImageDescript
         images.announce(desc->image_.get(), placementOf(*desc));
     for (const ImageDescriptionEx* desc = descs; desc != end; ++desc)
         images.draw(desc->image_.get(), placementOf(*desc), desc->blend_, 1.0f);
-    images.flush();
-}
-
-void OpenGLGraphicPrimitivesRendererBase::renderMulti(const TextDescription* descs,
-                                                      unsigned int count)
-{
-    if (count == 0 || clip_.isEmpty())
-        return;
-    Images images(*this);
-    TextImages& texts = DrawingResources::instance().texts;
-    const TextManner manner{target_.ratio, antialias_};
-    for (const TextDescription* desc = descs; desc != descs + count; ++desc) {
-        if (!desc->font_ || desc->text_.empty())
-            continue;
-        // A new picture may have an old one dropped: what shows that goes to GL first.
-        images.draw(texts.find(*desc, manner, [&] { images.flush(); }));
-    }
     images.flush();
 }

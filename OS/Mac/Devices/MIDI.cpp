@@ -40,6 +40,7 @@ void MIDI::deinitialise()
         const std::lock_guard<std::mutex> lock(maker->lock_);
         if (!initialised_.exchange(false))
             return;
+        instance_ = nullptr;
         client.swap(maker->client_);
     }
     if (client)

@@ -38,6 +38,8 @@ void Board::attach(Tq::Ptr<iRootWindow> window, Tq::Ptr<iSettings> settings,
     // The reader is gone before the window is.
     volumes_ =
         std::make_unique<VolumeReader>([target = window_.get()] { target->postUserMessage(); });
+    serial_ =
+        std::make_unique<SerialWatcher>([target = window_.get()] { target->postUserMessage(); });
     oftenTimer_ = window_->createTimer(static_cast<unsigned int>(state_.preferences.refreshMs));
     seldomTimer_ = window_->createTimer(kSeldomMs);
     live_.start();
@@ -57,6 +59,8 @@ void Board::detach()
     }
     live_.close();
     volumes_.reset();
+    serial_.reset();
+    state_.data.serial.monitor = {};
     oftenTimer_.reset();
     seldomTimer_.reset();
     saveTimer_.reset();
@@ -91,6 +95,8 @@ void Board::readSeldom()
     state_.data.monitors = gatherMonitors();
     state_.data.settings = gatherSettings();
     state_.data.system = gatherSystem();
+    gatherSerialPorts(state_.data.serial);
+    noticeUnplugging();
     if (volumes_)
         volumes_->ask(state_.data.volumes.folders);
     state_.remake();
@@ -107,6 +113,36 @@ void Board::openFolder()
                          : path + L" cannot be shown: the desktop has no program for it";
 }
 
+void Board::watchPort()
+{
+    const Text path = state_.portToWatch;
+    state_.portToWatch.clear();
+    if (path.empty() || !serial_)
+        return;
+    SerialMonitor& monitor = state_.data.serial.monitor;
+    if (path == monitor.path && monitor.open && !monitor.gone) {
+        serial_->stop();
+        monitor = {};
+    } else {
+        monitor = serial_->watch(path, state_.preferences.serialSpeed);
+        if (!monitor.open)
+            state_.message = path + L" cannot be opened: in use, or not allowed";
+    }
+    state_.remake();
+}
+
+void Board::noticeUnplugging()
+{
+    SerialPorts& serial = state_.data.serial;
+    if (!serial_ || !serial.monitor.open || serial.monitor.gone || !serial.read)
+        return;
+    for (const SerialPort& port : serial.ports)
+        if (port.path == serial.monitor.path)
+            return;
+    serial.monitor.gone = true;
+    serial_->stop();
+}
+
 void Board::keepPreferences()
 {
     if (state_.preferences == keptPreferences_)
@@ -119,6 +155,8 @@ void Board::keepPreferences()
         oftenTimer_ = window_->createTimer(static_cast<unsigned int>(state_.preferences.refreshMs));
         readOften();
     }
+    if (serial_ && state_.preferences.serialSpeed != keptPreferences_.serialSpeed)
+        serial_->setSpeed(state_.preferences.serialSpeed);
     keptPreferences_ = state_.preferences;
     saveSoon();
 }
@@ -167,6 +205,7 @@ iEventHandler::eRC Board::changed()
     if (!window_)
         return eContinue;
     openFolder();
+    watchPort();
     if (state_.readAnew) {
         state_.readAnew = false;
         readAll();
@@ -241,7 +280,9 @@ iEventHandler::eRC Board::handlePaint(const PaintEvent&)
 iEventHandler::eRC Board::handleUserMessage(const UserMessage&)
 {
     frameRequested_ = false;
-    if (volumes_ && volumes_->take(state_.data.volumes)) {
+    const bool volumes = volumes_ && volumes_->take(state_.data.volumes);
+    const bool bytes = serial_ && serial_->take(state_.data.serial.monitor);
+    if (volumes || bytes) {
         state_.remake();
         interaction_.settle();
     }

@@ -2,6 +2,7 @@
 
 #include "Drawing/LiveGraphs.h"
 #include "Model/Gather.h"
+#include "Model/SerialWatcher.h"
 #include "Model/VolumeReader.h"
 #include "View/Interaction.h"
 #include "common/Resources.h"
@@ -56,6 +57,8 @@ private:
     void readOften();
     void readSeldom();
     void openFolder();
+    void watchPort();
+    void noticeUnplugging();
     void keepPreferences();
     void keepPlace();
     void saveSoon();
@@ -71,6 +74,7 @@ private:
     LiveGraphs live_;
     Meters meters_;
     std::unique_ptr<VolumeReader> volumes_;
+    std::unique_ptr<SerialWatcher> serial_;
     Preferences keptPreferences_;
     WindowPlace place_;
     bool frameRequested_ = false;

@@ -28,6 +28,7 @@ BoardData watch(int milliseconds)
     data.settings = gatherSettings();
     data.volumes = gatherVolumes({});
     data.system = gatherSystem();
+    gatherSerialPorts(data.serial);
     Meters meters;
     meters.read(data);
     const int intervalMs = std::max(kReadingMs, milliseconds / static_cast<int>(History::kLength));

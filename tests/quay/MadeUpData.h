@@ -84,6 +84,21 @@ inline BoardData madeUpData(int processors, int drives, int monitors)
     data.system = {L"Quay Board", L"edit-07",   L"Debian GNU/Linux (12)",
                    L"Mesa",       L"/usr/bin/", L"quay",
                    4242,          false};
+    data.serial.read = true;
+    for (int i = 0; i < drives / 3; ++i)
+        data.serial.ports.push_back(
+            {L"/dev/ttyUSB" + decimal(i), i == 0 ? L"Jog wheel" : L"", i == 0 ? L"A100" : L""});
+    return data;
+}
+
+/// With a port watched, over which so much has come.
+inline BoardData withSerialBytes(BoardData data, std::uint64_t count)
+{
+    SerialMonitor& monitor = data.serial.monitor;
+    monitor.path = L"/dev/ttyUSB0";
+    monitor.open = true;
+    for (std::uint64_t i = 0; i < count; ++i)
+        monitor.add(1, {static_cast<std::uint8_t>(i * 37 + 60)});
     return data;
 }
 
@@ -130,6 +145,8 @@ inline BoardData withLongNames(BoardData data)
                 setting.value += tail;
             }
     }
+    for (SerialPort& port : data.serial.ports)
+        port.product += tail;
     data.system.computer += tail;
     data.system.version += tail;
     data.system.application += tail;

@@ -11,6 +11,9 @@ const NormalisedRGB kWell = Theme::rgb(0x15171C); ///< what bars and graphs are 
 constexpr int kRowGap = 12;                       ///< between a label and its value
 constexpr int kGraphText = 28;                    ///< above a graph, for its words
 constexpr int kCellText = 17;                     ///< above a small one
+constexpr int kPlaceWidth = 50;                   ///< of the place of bytes
+constexpr int kNumberWidth = 19;                  ///< of a byte as a number
+constexpr int kCharacterWidth = 8;
 
 struct RowDrawer
 {
@@ -133,6 +136,25 @@ struct RowDrawer
         const int left = std::max(rect.left + labelWidth(rect.width()), start + width + kRowGap);
         canvas.text(cut(row.detail, rect.right - tagWidth - kRowGap - left, true), left, baseline,
                     Theme::kFact, opens && isHovered(0) ? Theme::kText : Theme::kDim);
+    }
+
+    void operator()(const BytesRow& row) const
+    {
+        const int baseline = baselineIn(rect, Theme::kFact);
+        canvas.text(row.place, rect.left, baseline, Theme::kFact, Theme::kDim);
+        const int numbers = rect.left + kPlaceWidth;
+        const int characters = numbers + static_cast<int>(BytesRow::kBytes) * kNumberWidth + 6;
+        for (int i = 0; i < static_cast<int>(row.bytes.size()); ++i) {
+            const std::uint8_t byte = row.bytes[static_cast<std::size_t>(i)];
+            const bool printable = byte > 0x20 && byte < 0x7F;
+            const int middle = characters + i * kCharacterWidth + kCharacterWidth / 2;
+            canvas.text(hexText(byte, 2), numbers + i * kNumberWidth, baseline, Theme::kFact,
+                        Theme::kText);
+            if (middle + kCharacterWidth / 2 <= rect.right)
+                canvas.textCentred(printable ? Text(1, static_cast<wchar_t>(byte)) : L"\u00b7",
+                                   middle, baseline, Theme::kFact,
+                                   printable ? Theme::kText : Theme::kDim);
+        }
     }
 
     void operator()(const ChoiceRow& row) const

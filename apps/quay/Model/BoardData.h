@@ -133,6 +133,35 @@ struct SystemFacts
     bool debugHeap = false;   ///< asked for by the global settings, for heaps made later
 };
 
+struct SerialPort
+{
+    Text path;
+    Text product; ///< of the USB device that it belongs to; empty without one
+    Text serialNumber;
+};
+
+/// The port whose bytes are shown.
+struct SerialMonitor
+{
+    static constexpr std::size_t kKept = 64;
+
+    Text path; ///< empty: none
+    bool open = false;
+    bool gone = false; ///< it was open, and is not there any more
+    std::uint64_t received = 0;
+    std::vector<std::uint8_t> latest; ///< the last kKept
+
+    /// Adds `count` bytes, of which only the last need be given.
+    void add(std::uint64_t count, const std::vector<std::uint8_t>& last);
+};
+
+struct SerialPorts
+{
+    bool read = false; ///< false: the system did not tell
+    std::vector<SerialPort> ports;
+    SerialMonitor monitor;
+};
+
 /// What may take its time: volumes that do not answer are asked on another thread.
 struct Volumes
 {
@@ -149,6 +178,7 @@ struct BoardData
     Volumes volumes;
     std::vector<SettingsStore> settings;
     SystemFacts system;
+    SerialPorts serial;
     int readings = 0;
 };
 

@@ -4,6 +4,8 @@
 
 #include <OS.h>
 #include <OS/Core/iUtils.h>
+#include <OS/Devices/iHardwareManager.h>
+#include <OS/Devices/iSerialPortDetails.h>
 #include <OS/Files/iFileManager.h>
 #include <OS/Files/iMountManager.h>
 #include <OS/Files/iProcessManager.h>
@@ -208,6 +210,16 @@ SystemFacts gatherSystem()
 Volumes gatherVolumes(const std::vector<Folder>& before)
 {
     return {gatherDrives(), gatherNetwork(), gatherFolders(before)};
+}
+
+void gatherSerialPorts(SerialPorts& serial)
+{
+    serial.ports.clear();
+    const auto* details = dynamic_cast<iSerialPortDetails*>(OS()->hardwareMgr());
+    std::vector<iSerialPortDetails::Details> found;
+    serial.read = details && details->getSerialPorts(found);
+    for (const iSerialPortDetails::Details& port : found)
+        serial.ports.push_back({port.path_, port.product_, port.serialNumber_});
 }
 
 } // namespace Quay

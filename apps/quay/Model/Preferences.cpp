@@ -36,6 +36,10 @@ Preferences readPreferences(const Tq::Ptr<iSettings>& settings)
     const int refreshMs = values.integer("RefreshMs", preferences.refreshMs, 1, 60000);
     if (std::find(std::begin(kRefreshMs), std::end(kRefreshMs), refreshMs) != std::end(kRefreshMs))
         preferences.refreshMs = refreshMs;
+    const int speed = values.integer("SerialSpeed", preferences.serialSpeed, 1, 1'000'000);
+    if (std::find(std::begin(kSerialSpeeds), std::end(kSerialSpeeds), speed) !=
+        std::end(kSerialSpeeds))
+        preferences.serialSpeed = speed;
     preferences.order = wordsOf(values.text("Order", Text()));
     return preferences;
 }
@@ -45,6 +49,7 @@ void writePreferences(const Tq::Ptr<iSettings>& settings, const Preferences& pre
     StoredValues values(settings, kSection);
     values.setText("Units", preferences.units == Units::eDecimal ? L"decimal" : L"binary");
     values.setInteger("RefreshMs", preferences.refreshMs);
+    values.setInteger("SerialSpeed", preferences.serialSpeed);
     if (preferences.order.empty())
         values.remove("Order");
     else

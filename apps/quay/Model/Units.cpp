@@ -63,6 +63,14 @@ Text countText(std::size_t count, const wchar_t* one, const wchar_t* many)
     return whole(count) + L" " + (count == 1 ? one : many);
 }
 
+Text hexText(std::uint64_t value, int digits)
+{
+    Text text;
+    for (int shift = (digits - 1) * 4; shift >= 0; shift -= 4)
+        text += L"0123456789ABCDEF"[value >> shift & 0xF];
+    return text;
+}
+
 Text intervalText(int ms)
 {
     return ms == 500 ? Text(L"\u00BD s") : shortNumber(ms / 1000.0) + L" s";

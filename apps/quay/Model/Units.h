@@ -21,6 +21,8 @@ Text percentText(double part);
 Text shortNumber(double value);
 /// "1 drive", "2 drives".
 Text countText(std::size_t count, const wchar_t* one, const wchar_t* many);
+/// So many digits, from the lowest up: "0F".
+Text hexText(std::uint64_t value, int digits);
 /// A time such as "½ s" or "5 s".
 Text intervalText(int ms);
 

@@ -63,6 +63,7 @@ struct BoardState
     Text message; ///< for the status line, until the next action
     bool quitting = false;
     Text folderToOpen;     ///< asked for; the board opens and clears it
+    Text portToWatch;      ///< asked for, likewise
     bool readAnew = false; ///< asked for
 
     /// Makes the panels anew after a change of data or preferences.

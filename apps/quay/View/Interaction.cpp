@@ -110,6 +110,12 @@ void Interaction::act(const Action& action)
     case Action::Kind::eSetRefresh:
         state_.preferences.refreshMs = action.value;
         break;
+    case Action::Kind::eWatchPort:
+        state_.portToWatch = action.path;
+        break;
+    case Action::Kind::eSetSpeed:
+        state_.preferences.serialSpeed = action.value;
+        break;
     case Action::Kind::eNone:
         return;
     }

@@ -213,6 +213,7 @@ int rowHeight(const Row& row, int width)
         int operator()(const MeterRow& meter) const { return meter.detail.empty() ? 28 : 44; }
         int operator()(const MapRow&) const { return 104; }
         int operator()(const ItemRow&) const { return 24; }
+        int operator()(const BytesRow&) const { return 20; }
         int operator()(const ChoiceRow&) const { return 24; }
     };
     return std::visit(Height{width}, row);

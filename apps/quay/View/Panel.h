@@ -3,6 +3,7 @@
 #include "Model/History.h"
 #include "Model/Text.h"
 
+#include <cstdint>
 #include <variant>
 #include <vector>
 
@@ -29,7 +30,9 @@ struct Action
         eNone,
         eOpenFolder, ///< `path`
         eSetUnits,   ///< `value` of Units
-        eSetRefresh  ///< `value` in milliseconds
+        eSetRefresh, ///< `value` in milliseconds
+        eWatchPort,  ///< `path`; the one that is watched is let go
+        eSetSpeed    ///< `value` in bits a second
     };
     Kind kind = Kind::eNone;
     Text path;
@@ -114,6 +117,14 @@ struct ItemRow
     Action action;
 };
 
+/// Up to eight bytes, as numbers and as characters.
+struct BytesRow
+{
+    static constexpr std::uint64_t kBytes = 8;
+    Text place; ///< of the first
+    std::vector<std::uint8_t> bytes;
+};
+
 /// One of a few values.
 struct ChoiceRow
 {
@@ -128,7 +139,7 @@ struct ChoiceRow
 };
 
 using Row = std::variant<FactRow, HeadingRow, NoteRow, GraphRow, CellsRow, MeterRow, MapRow,
-                         ItemRow, ChoiceRow>;
+                         ItemRow, BytesRow, ChoiceRow>;
 
 struct Panel
 {

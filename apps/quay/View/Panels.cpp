@@ -297,7 +297,8 @@ std::vector<Panel> makePanels(const BoardData& data, const Preferences& preferen
                               networkPanel(data.volumes.network),
                               foldersPanel(data.volumes.folders),
                               settingsPanel(data.settings, preferences),
-                              systemPanel(data.system)};
+                              systemPanel(data.system),
+                              serialPanel(data.serial, preferences)};
     const std::vector<Text>& order = preferences.order;
     std::stable_sort(panels.begin(), panels.end(), [&](const Panel& a, const Panel& b) {
         return std::find(order.begin(), order.end(), a.key) <

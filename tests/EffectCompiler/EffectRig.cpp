@@ -260,6 +260,10 @@ bool EffectRig::draw(const Effect& effect, const ProgramText& text, Pixel& pixel
     glNormal3f(0, 0, 1);
     glMultiTexCoord4f(GL_TEXTURE0, 0.25F, 0.25F, 0, 1);
     glMultiTexCoord4f(GL_TEXTURE1, 0.75F, 0.5F, 0, 1);
+    glVertexAttrib4f(2, 0, 0, 1, 1); // programs of the effect's own have attributes of their own
+    glVertexAttrib4f(3, 1, 0, 1, 1);
+    glVertexAttrib4f(8, 0.25F, 0.25F, 0, 1);
+    glVertexAttrib4f(9, 0.75F, 0.5F, 0, 1);
     glBegin(GL_QUADS);
     for (const auto& [x, y] : {std::pair{-1, -1}, {1, -1}, {1, 1}, {-1, 1}})
         glVertex2i(x, y);
@@ -287,7 +291,9 @@ std::unique_ptr<Effect> loadFragment(const std::string& source, std::string& lis
 {
     Context context;
     const std::string pass =
-        "\ntechnique t { pass p { FragmentProgram = compile glslf main(); } }\n";
+        source.find("\ntechnique ") != std::string::npos
+            ? ""
+            : "\ntechnique t { pass p { FragmentProgram = compile glslf main(); } }\n";
     auto effect = context.createFromText(source + pass, "shader.fx", {"-DPROFILE=glslf"});
     listing = context.listing();
     return effect;

@@ -16,3 +16,5 @@ struct FeatureShader
 std::span<const FeatureShader> featureShaders();
 /// Where features meet: order of evaluation, values given out, what GLSL lacks.
 std::span<const FeatureShader> trapShaders();
+/// What GLSL 1.20 cannot express.
+std::span<const FeatureShader> laterShaders();

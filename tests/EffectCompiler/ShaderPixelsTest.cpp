@@ -51,10 +51,45 @@ void expectPixel(const FeatureShader& shader, int version)
     EXPECT_EQ(judged(text->vertex, "vert"), "") << shader.name;
 }
 
+void expectRefused(const FeatureShader& shader, const std::string& reason)
+{
+    std::string listing;
+    const auto effect = loadFragment(shader.source, listing);
+    ASSERT_TRUE(effect) << shader.name << "\n" << listing;
+    EXPECT_FALSE(effect->translate(0, 0, 120, listing)) << shader.name;
+    EXPECT_NE(listing.find(reason), std::string::npos) << shader.name << "\n" << listing;
+}
+
 } // namespace
 
 TEST(ShaderPixels, EveryFeatureDrawsWhatItShouldInGlsl130)
 {
     for (const FeatureShader& shader : featureShaders())
         expectPixel(shader, 130);
+}
+
+TEST(ShaderPixels, EveryFeatureDrawsWhatItShouldInGlsl120)
+{
+    for (const FeatureShader& shader : featureShaders()) {
+        if (std::string_view(shader.name) == "Switch")
+            expectRefused(shader, "GLSL 1.20 has no 'switch'");
+        else
+            expectPixel(shader, 120);
+    }
+}
+
+TEST(ShaderPixels, WhereFeaturesMeetTheyHoldToTheRules)
+{
+    for (const int version : {130, 120}) {
+        for (const FeatureShader& shader : trapShaders())
+            expectPixel(shader, version);
+    }
+}
+
+TEST(ShaderPixels, WhatGlsl120LacksIsRefusedWithAReason)
+{
+    for (const FeatureShader& shader : laterShaders()) {
+        expectPixel(shader, 130);
+        expectRefused(shader, "GLSL 1.20 has no ");
+    }
 }

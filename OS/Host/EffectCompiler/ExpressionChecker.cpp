@@ -128,14 +128,12 @@ void ExpressionChecker::convert(Expression*& expression, const Type& type, std::
     }
     if (!isNumeric(type))
         return; // an interface, a sampler without dimension: what it is stays visible
-    const bool isNumber = expression->kind == Kind::eNumber && isScalar(from) && isScalar(type) &&
-                          type.scalar != Scalar::eBool;
-    if (isNumber) {
+    if (expression->kind == Kind::eNumber && type.scalar != Scalar::eBool) {
         expression->value = valueAs(expression->value, type.scalar);
-        expression->type = type;
-        return;
+        expression->type = scalarType(type.scalar);
     }
-    expression = cast(expression, type);
+    if (expression->type != type)
+        expression = cast(expression, type);
 }
 
 void ExpressionChecker::checkName(Expression& expression)
@@ -331,6 +329,8 @@ void ExpressionChecker::checkConditional(Expression& expression)
 
 void ExpressionChecker::checkIndex(Expression& expression)
 {
+    if (checkState(expression))
+        return;
     Expression& object = *expression.operands[0];
     Expression*& index = expression.operands[1];
     check(object);

@@ -34,6 +34,20 @@ const char* comparisonName(const std::string& sign)
     return sign == ">" ? "greaterThan" : "greaterThanEqual";
 }
 
+/// Of two literals.
+double bitsOf(const std::string& sign, double left, double right)
+{
+    const auto a = static_cast<std::uint32_t>(static_cast<long long>(left));
+    const auto b = static_cast<std::uint32_t>(static_cast<long long>(right));
+    const std::uint32_t distance = b % 32;
+    const std::uint32_t bits = sign == "&"    ? a & b
+                               : sign == "|"  ? a | b
+                               : sign == "^"  ? a ^ b
+                               : sign == "<<" ? a << distance
+                                              : a >> distance;
+    return static_cast<double>(static_cast<std::int32_t>(bits));
+}
+
 bool isSimpleName(const std::string& text)
 {
     return std::all_of(text.begin(), text.end(), [](char c) {
@@ -220,6 +234,8 @@ GlslValue FunctionWriter::binaryValue(const Expression& expression)
         values[1] = convert(values[1], scalarRight->type, scalar, right.place);
     if (isComparison(sign))
         return comparison(sign, type, values[0], values[1]);
+    if (isBitOperator(sign) && left.kind == Kind::eNumber && right.kind == Kind::eNumber)
+        return numberValue(bitsOf(sign, left.value, right.value), type.scalar);
     return arithmetic(sign, type, std::move(values[0]), std::move(values[1]),
                       !scalarLeft && !scalarRight, expression.place);
 }

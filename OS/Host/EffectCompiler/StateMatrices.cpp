@@ -17,17 +17,20 @@ std::string nextStep(std::string_view& path)
     return step;
 }
 
-/// Takes "[2]" off a step. @return its digit, 0 for none, -1 where there is no such unit
+constexpr int kNone = -1;
+constexpr int kUnknown = -2;
+
+/// Takes "[2]" off a step. @return its digit, kNone, or kUnknown where there is no such unit
 int takeIndex(std::string& step)
 {
     if (step.empty() || step.back() != ']')
-        return 0;
+        return kNone;
     const std::size_t open = step.find('[');
     if (open == std::string::npos || open + 3 != step.size())
-        return -1;
+        return kUnknown;
     const int index = step[open + 1] - '0';
     step.resize(open);
-    return index >= 0 && index < 8 ? index : -1;
+    return index >= 0 && index < 8 ? index : kUnknown;
 }
 
 /// What GLSL calls the transpose of what comes after a matrix.
@@ -54,16 +57,17 @@ std::string stateMatrix(std::string_view path)
     std::string matrix = nextStep(path);
     const int index = takeIndex(matrix);
     const char* form = transposed(nextStep(path));
-    if (!form || !path.empty() || index < 0)
+    if (!form || !path.empty() || index == kUnknown)
         return {};
     if (matrix == "texture")
-        return std::string("gl_TextureMatrix") + form + "[" + std::to_string(index) + "]";
-    if (index != 0)
-        return {};
+        return std::string("gl_TextureMatrix") + form + "[" + std::to_string(std::max(index, 0)) +
+               "]";
+    if (matrix == "modelview" && index <= 0)
+        return std::string("gl_ModelViewMatrix") + form;
+    if (index != kNone)
+        return {}; // a row of it
     if (matrix == "mvp")
         return std::string("gl_ModelViewProjectionMatrix") + form;
-    if (matrix == "modelview")
-        return std::string("gl_ModelViewMatrix") + form;
     if (matrix == "projection")
         return std::string("gl_ProjectionMatrix") + form;
     return {};

@@ -58,7 +58,7 @@ void FunctionWriter::writeFunction()
     stage_.names().startFunction();
     stage_.names().openScope();
     writeParameters();
-    line(function.place, "{");
+    line({}, "{");
     depth_ = 1;
     for (const Variable* parameter : function.parameters) {
         if (parameter->direction == Direction::eOut && !isSetAtOnce(function, *parameter))

@@ -1,42 +1,17 @@
 #include "OS/Host/EffectCompiler/Translator.h"
 
 #include "OS/Host/EffectCompiler/EntryWriter.h"
-
-#include <algorithm>
-#include <cctype>
+#include "OS/Host/EffectCompiler/StateTables.h"
 
 namespace EffectCompiler {
 namespace {
-
-bool isNamed(const std::string& name, std::initializer_list<std::string_view> names)
-{
-    std::string lower = name;
-    std::transform(lower.begin(), lower.end(), lower.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return std::find(names.begin(), names.end(), lower) != names.end();
-}
-
-bool isVertexState(const State& state)
-{
-    return isNamed(state.name, {"vertexprogram", "vertexshader"});
-}
-
-bool isFragmentState(const State& state)
-{
-    return isNamed(state.name, {"fragmentprogram", "fragmentshader", "pixelshader"});
-}
-
-bool isGeometryState(const State& state)
-{
-    return isNamed(state.name, {"geometryprogram", "geometryshader"});
-}
 
 /// Writes both programs of a pass.
 class PassWriter
 {
 public:
     PassWriter(const SyntaxTree& tree, const PassSyntax& pass, int version, Messages& messages)
-        : pass_(pass), version_(version), messages_(messages), names_(tree),
+        : pass_(pass), version_(version), names_(tree),
           vertex_(tree, names_, Stage::eVertex, version, messages),
           fragment_(tree, names_, Stage::eFragment, version, messages)
     {
@@ -44,8 +19,7 @@ public:
 
     std::optional<ProgramText> write()
     {
-        if (!findPrograms())
-            return {};
+        findPrograms();
         ProgramText text;
         std::set<std::string> varyings = {"cgi_COLOR0"};
         if (fragmentState_)
@@ -63,24 +37,21 @@ public:
     }
 
 private:
-    bool findPrograms()
+    void findPrograms()
     {
-        bool isFit = true;
         for (const State& state : pass_.states) {
-            if (isGeometryState(state) && !state.profile.empty()) {
-                messages_.error(state.place, "geometry programs are not supported");
-                isFit = false;
-            }
-            if (!isVertexState(state) && !isFragmentState(state))
-                continue;
-            if (state.profile == "asm") {
-                messages_.error(state.place, "programs in assembly are not supported");
-                isFit = false;
-            }
             const State* program = state.function ? &state : nullptr; // else "= NULL"
-            (isVertexState(state) ? vertexState_ : fragmentState_) = program;
+            switch (programKindOf(state.name)) {
+            case ProgramKind::eVertex:
+                vertexState_ = program;
+                break;
+            case ProgramKind::eFragment:
+                fragmentState_ = program;
+                break;
+            default:
+                break;
+            }
         }
-        return isFit;
     }
 
     std::string head() const { return "#version " + std::to_string(version_) + "\n"; }
@@ -158,7 +129,6 @@ private:
 
     const PassSyntax& pass_;
     int version_;
-    Messages& messages_;
     PassNames names_;
     StageWriter vertex_;
     StageWriter fragment_;

@@ -28,10 +28,9 @@ private:
     void readName();
     void readWorkGroupSize();
     bool isListed(cl_mem mem) const;
-    void keep(unsigned char index, OpenCLBuffer* buffer);
+    void keep(unsigned char index, const Tq::Ptr<OpenCLBuffer>& buffer, bool listed);
     bool execute(cl_uint dimensions, const unsigned int* sizes, std::size_t localSize,
                  const char* operation);
-    bool listsImages() const;
     void forgetListed();
 
     Tq::Ptr<const iOpenCLContext> context_;

@@ -121,11 +121,13 @@ void OpenGLUtils::clearCaches()
 {
     if (!isInitialised())
         return;
-    const OpenGLContextProtector protector;
-    OpenGLFontBase::shutdown();
-    OpenGLTextureCache::instance().clear(); // texts leave their textures to it
-    if (OpenGLContextProtector::hasContext())
-        OpenGLGraphicPrimitivesRenderer::clearCaches();
+    {
+        const OpenGLContextProtector protector;
+        OpenGLFontBase::shutdown();
+        if (OpenGLContextProtector::hasContext())
+            OpenGLGraphicPrimitivesRenderer::clearCaches();
+    }
+    OpenGLTextureCache::instance().clear(); // texts have left their textures to it
 }
 
 void OpenGLUtils::releaseTextures()

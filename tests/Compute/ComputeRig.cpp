@@ -21,6 +21,18 @@ const Lines kSwap = {
     "}",
 };
 
+// The library's own calls come here; the layer's do not.
+extern "C" {
+void __real_glFinish();
+void __wrap_glFinish();
+void __wrap_glFinish()
+{
+    if (ComputeLayer* const layer = ComputeLayer::instance())
+        layer->note("glFinish");
+    __real_glFinish();
+}
+}
+
 ComputeTest::ComputeTest()
 {
     if (!layer_)

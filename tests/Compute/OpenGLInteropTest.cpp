@@ -165,7 +165,7 @@ TEST_F(OpenGLInteropTest, OnlyWhatIsOfGLIsAcquiredAndOnlyOnce)
     EXPECT_EQ(outputOf([&] { context->prepareBuffers({}, 200); }), "") << "never past the places";
 }
 
-TEST_F(OpenGLInteropTest, TheQueueIsFinishedUnlessTheDeviceOrdersItsWorkWithGL)
+TEST_F(OpenGLInteropTest, GLIsFinishedBeforeAndTheQueueAfterUnlessTheDeviceOrdersThem)
 {
     NEEDS_LAYER();
     for (const bool orders : {false, true}) {
@@ -180,7 +180,8 @@ TEST_F(OpenGLInteropTest, TheQueueIsFinishedUnlessTheDeviceOrdersItsWorkWithGL)
         for (const std::string& call : layer_->calls())
             if (call.rfind("clGet", 0) != 0)
                 order += call + '\n';
-        EXPECT_EQ(order, std::string("clEnqueueAcquireGLObjects 2\n"
+        EXPECT_EQ(order, std::string("glFinish\n"
+                                     "clEnqueueAcquireGLObjects 2\n"
                                      "clEnqueueNDRangeKernel 32/16 32/16\n"
                                      "clEnqueueReleaseGLObjects 2\n") +
                              (orders ? "clFlush\n" : "clFinish\n") + "clFlush\n");

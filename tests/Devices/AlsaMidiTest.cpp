@@ -338,7 +338,7 @@ TEST_F(AlsaMidi, WhatIsSentBeforeClosingGetsThrough)
 {
     for (unsigned char i = 0; i < 20; ++i) {
         openOutput();
-        EXPECT_EQ(output->shortMsg(0x010090u | i << 8), 1);
+        EXPECT_EQ(output->shortMsg(0x010090u | unsigned{i} << 8), 1);
         EXPECT_EQ(output->close(), 1);
         EXPECT_EQ(peer->takeBytes(3), (MidiBytes{0x90, i, 1}));
     }

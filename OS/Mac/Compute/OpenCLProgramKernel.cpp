@@ -71,7 +71,7 @@ bool OpenCLProgramKernel::setArg(unsigned char index, float value)
 
 bool OpenCLProgramKernel::setArg(unsigned char index, const Tq::Ptr<iGPUBuffer>& buffer)
 {
-    const auto clBuffer = buffer.dynamicCast<OpenCLBuffer>();
+    auto* const clBuffer = dynamic_cast<OpenCLBuffer*>(buffer.get());
     if (!clBuffer)
         return false;
     const cl_mem mem = clBuffer->getImpl();
@@ -80,7 +80,11 @@ bool OpenCLProgramKernel::setArg(unsigned char index, const Tq::Ptr<iGPUBuffer>&
         return reportArgument(CL_OUT_OF_RESOURCES);
     if (!reportArgument(clSetKernelArg(kernel_.get(), index, sizeof mem, &mem)))
         return false;
-    keep(index, clBuffer, listed);
+    if (!listed) {
+        buffersToAcquire_[numBuffersToAcquire_] = mem;
+        listed_[numBuffersToAcquire_++] = clBuffer;
+    }
+    keep(index, clBuffer->isFromImage() ? nullptr : clBuffer);
     return true;
 }
 
@@ -90,16 +94,12 @@ bool OpenCLProgramKernel::isListed(cl_mem mem) const
     return std::find(buffersToAcquire_, end, mem) != end;
 }
 
-void OpenCLProgramKernel::keep(unsigned char index, const Tq::Ptr<OpenCLBuffer>& buffer,
-                               bool listed)
+void OpenCLProgramKernel::keep(unsigned char index, OpenCLBuffer* buffer)
 {
-    if (!listed) {
-        buffersToAcquire_[numBuffersToAcquire_] = buffer->getImpl();
-        listed_[numBuffersToAcquire_++] = buffer;
-    }
     if (arguments_.size() <= index)
         arguments_.resize(index + 1u);
-    arguments_[index] = buffer->isFromImage() ? nullptr : buffer;
+    if (arguments_[index].get() != buffer)
+        arguments_[index] = buffer;
 }
 
 bool OpenCLProgramKernel::execute1D(unsigned int n)
@@ -123,10 +123,11 @@ bool OpenCLProgramKernel::execute(cl_uint dimensions, const unsigned int* sizes,
         global[i] = roundedUp(sizes[i], localSize);
 
     const cl_command_queue queue = context_->getCommandQueue();
-    context_->prepareBuffers(buffersToAcquire_, numBuffersToAcquire_);
+    const unsigned char toAcquire = listsImages() ? numBuffersToAcquire_ : 0;
+    context_->prepareBuffers(buffersToAcquire_, toAcquire);
     const cl_int error = clEnqueueNDRangeKernel(queue, kernel_.get(), dimensions, nullptr, global,
                                                 local, 0, nullptr, nullptr);
-    context_->unPrepareBuffers(buffersToAcquire_, numBuffersToAcquire_);
+    context_->unPrepareBuffers(buffersToAcquire_, toAcquire);
     if (error == CL_SUCCESS)
         clFlush(queue);
     else
@@ -134,6 +135,13 @@ bool OpenCLProgramKernel::execute(cl_uint dimensions, const unsigned int* sizes,
                               operation, error);
     forgetListed();
     return error == CL_SUCCESS;
+}
+
+// Where there are none, nobody needs to be asked which of the buffers are of GL.
+bool OpenCLProgramKernel::listsImages() const
+{
+    return std::any_of(listed_, listed_ + numBuffersToAcquire_,
+                       [](const auto& buffer) { return buffer->isFromImage(); });
 }
 
 void OpenCLProgramKernel::forgetListed()

@@ -28,9 +28,10 @@ private:
     void readName();
     void readWorkGroupSize();
     bool isListed(cl_mem mem) const;
-    void keep(unsigned char index, const Tq::Ptr<OpenCLBuffer>& buffer, bool listed);
+    void keep(unsigned char index, OpenCLBuffer* buffer);
     bool execute(cl_uint dimensions, const unsigned int* sizes, std::size_t localSize,
                  const char* operation);
+    bool listsImages() const;
     void forgetListed();
 
     Tq::Ptr<const iOpenCLContext> context_;

@@ -54,8 +54,8 @@ protected:
     OSInternal::MidiRunLoop runLoop_;
 
 private:
-    // A command and its number in one word: the thread reads both or neither.
-    struct Order
+    // A command and its number in one word, which the thread reads at once.
+    struct alignas(8) Order
     {
         std::uint32_t number_;
         std::uint32_t command_;

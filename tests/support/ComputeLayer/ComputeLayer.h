@@ -51,6 +51,8 @@ public:
     /// The calls since reset(), with what else is known of them: "clEnqueueNDRangeKernel 1024/256",
     /// "clCreateContext GLX".
     virtual std::vector<std::string> calls() const = 0;
+    /// Adds a line of a test's own to the calls.
+    virtual void note(const std::string& line) = 0;
     /// How many references of the process's own exist.
     virtual int alive(Kind kind) const = 0;
 };

@@ -43,6 +43,12 @@ std::vector<std::string> LayerState::calls() const
     return calls_;
 }
 
+void LayerState::note(const std::string& line)
+{
+    const std::lock_guard lock(mutex_);
+    calls_.push_back(line);
+}
+
 int LayerState::alive(Kind kind) const
 {
     const std::lock_guard lock(mutex_);

@@ -18,6 +18,7 @@ public:
     void fail(const std::string& call, int error) override;
     void failNth(int n, int error) override;
     std::vector<std::string> calls() const override;
+    void note(const std::string& line) override;
     int alive(Kind kind) const override;
 
     /// Notes a call. @return the error that it is to fail with, or CL_SUCCESS

@@ -246,6 +246,17 @@ TEST(Parser, ReportsFaultsWhereTheyAre)
         EXPECT_EQ(parse(each.source)->listing, each.text) << each.source;
 }
 
+TEST(Parser, LeavesOutTechniquesOfOtherKinds)
+{
+    const auto parsed =
+        parse("technique10 A { pass { SetVertexShader(CompileShader(vs_4_0, f())); } }\n"
+              "technique B { } float technique10;");
+    EXPECT_EQ(parsed->listing, "e.fx(1) : warning : techniques of this kind are left out\n");
+    ASSERT_EQ(parsed->tree.techniques.size(), 1u);
+    EXPECT_EQ(parsed->tree.techniques[0].name, "B");
+    EXPECT_EQ(textOf(parsed->tree), "float technique10;\n");
+}
+
 TEST(Parser, GivesUpAfterAHundredErrors)
 {
     std::string source;

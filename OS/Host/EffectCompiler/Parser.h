@@ -73,6 +73,7 @@ private:
 
     // Declarations: ParserDeclarations.cpp
     void parseTopLevel();
+    bool isTechniqueAhead() const;
     Qualifiers parseQualifiers();
     Type parseType();
     std::optional<Type> typeNamed(const Token& token) const;

@@ -27,11 +27,8 @@ void Parser::parseTopLevel()
         return;
     if (peek().isName("typedef"))
         return parseTypedef();
-    const Token& next = peek(1);
-    if ((isKeyword(peek(), "technique") || isKeyword(peek(), "technique9")) &&
-        (next.is("{") || next.is("<") || (next.isName() && (peek(2).is("{") || peek(2).is("<")))))
+    if (isTechniqueAhead())
         return parseTechnique();
-
     const Qualifiers qualifiers = parseQualifiers();
     const Type type = parseType();
     if (accept(";")) // of a struct
@@ -43,6 +40,16 @@ void Parser::parseTopLevel()
     }
     parseDeclarators(qualifiers, type, tree_.globals, true);
     expect(";");
+}
+
+/// "technique {", "technique Name <", but not a variable of that name.
+bool Parser::isTechniqueAhead() const
+{
+    const Token& token = peek();
+    const Token& behind = peek(1).isName() ? peek(2) : peek(1);
+    return (behind.is("{") || behind.is("<")) &&
+           (isKeyword(token, "technique") || isKeyword(token, "technique9") ||
+            isKeyword(token, "technique10") || isKeyword(token, "technique11"));
 }
 
 Parser::Qualifiers Parser::parseQualifiers()

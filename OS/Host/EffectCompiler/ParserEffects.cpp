@@ -68,10 +68,16 @@ void Parser::parseAnnotation(std::vector<Annotation>& annotations)
 void Parser::parseTechnique()
 {
     TechniqueSyntax technique;
-    technique.place = take().place;
+    const Token keyword = take();
+    technique.place = keyword.place;
     if (peek().isName())
         technique.name = take().text;
     technique.annotations = parseAnnotations();
+    if (keyword.text.ends_with("10") || keyword.text.ends_with("11")) {
+        // Their passes call functions where ours have states.
+        messages_.warning(technique.place, "techniques of this kind are left out");
+        return skipBrackets();
+    }
     expect("{");
     while (!peek().is("}")) {
         if (peek().kind == Token::Kind::eEnd)

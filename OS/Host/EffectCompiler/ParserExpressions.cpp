@@ -203,10 +203,10 @@ Expression* Parser::parsePrimary()
     if (!token.isName() ||
         std::find(kNoNames.begin(), kNoNames.end(), token.text) != kNoNames.end())
         failUnexpected();
-    if (token.text == "true" || token.text == "false") {
+    if (isKeyword(token, "true") || isKeyword(token, "false")) {
         take();
         Expression* expression = make(Expression::Kind::eBool, token.place);
-        expression->value = token.text == "true";
+        expression->value = isKeyword(token, "true");
         expression->type.scalar = Type::Scalar::eBool;
         return expression;
     }

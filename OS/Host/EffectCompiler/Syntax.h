@@ -19,7 +19,7 @@ namespace EffectCompiler {
 struct Limits
 {
     static constexpr std::size_t kSourceBytes = 16u << 20; ///< after preprocessing
-    static constexpr std::size_t kTokens = 2'000'000;
+    static constexpr std::size_t kTokens = 500'000;        ///< likewise
     static constexpr int kDepth = 200;      ///< of nested expressions, blocks, includes and types
     static constexpr int kOperators = 1000; ///< of an expression, on the way to its deepest part
     static constexpr int kElements = 65536; ///< of a type, all dimensions and fields counted

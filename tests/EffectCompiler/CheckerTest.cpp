@@ -54,8 +54,6 @@ TEST(Checker, FindsNamesThatAreNotThere)
          "1) : error : 'float2x2' has no member '_11_00'"},
         {"float f(); float g() { return f(); }",
          "1) : error : function 'f' is declared but not defined"},
-        {"technique t { pass p { PixelShader = compile glslf nosuch(); } }",
-         "1) : error : undefined function 'nosuch'"},
         {"float4 f(float4x4 m) { return glstate.matrix.nosuch[0]; }",
          "1) : error : undefined variable 'glstate'"},
     });

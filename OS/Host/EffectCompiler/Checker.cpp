@@ -110,10 +110,8 @@ private:
         const auto& functions = declarations_.functions(state.entry);
         const auto found = std::find_if(functions.begin(), functions.end(),
                                         [](const Function* function) { return function->body; });
-        if (found == functions.end()) {
-            messages_.error(state.place, "undefined function '" + state.entry + "'");
+        if (found == functions.end()) // fails that technique, not the effect
             return;
-        }
         state.function = *found;
         std::size_t next = 0;
         for (const Variable* parameter : (*found)->parameters) {

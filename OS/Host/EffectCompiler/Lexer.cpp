@@ -20,6 +20,8 @@ bool isSuffix(char character)
 constexpr std::array<std::string_view, 24> kLongSymbols = {
     "<<=", ">>=", "...", "##", "::", "++", "--", "+=", "-=", "*=", "/=", "%=",
     "&=",  "|=",  "^=",  "&&", "||", "==", "!=", "<=", ">=", "<<", ">>", "->"};
+/// What they go on with.
+constexpr std::string_view kLongSecond = "<>.#:+-=&|";
 
 constexpr std::string_view kSymbols = "{}()[]<>;:,.?=+-*/%&|^!~#";
 
@@ -145,8 +147,9 @@ Token::Kind Lexer::lexQuoted(char quote)
 Token::Kind Lexer::lexSymbol()
 {
     const std::string_view rest = text_.substr(position_);
+    const bool mayBeLong = kLongSecond.find(at(1)) != std::string_view::npos;
     for (const std::string_view symbol : kLongSymbols) {
-        if (rest.starts_with(symbol)) {
+        if (mayBeLong && rest.starts_with(symbol)) {
             position_ += symbol.size();
             return Token::Kind::eSymbol;
         }

@@ -34,6 +34,8 @@ bool reportPrograms(const PassSyntax& pass, Messages& messages)
             fault = state.name + " must be compiled, or null";
         else if (kind == ProgramKind::eOther)
             fault = state.name + " is not supported";
+        else if (!state.function)
+            fault = "undefined function '" + state.entry + "'";
         if (!fault.empty())
             messages.error(state.place, fault);
         isFine = isFine && fault.empty();

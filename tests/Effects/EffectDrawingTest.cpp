@@ -561,7 +561,7 @@ TEST_F(EffectDrawing, RenderDrawsOverAWholeImageAlsoFromItself)
 TEST_F(EffectDrawing, PicturesOfEveryFormatReachTheEffectAsColours)
 {
     const Tq::Ptr<OpenGLShaderEffect> effect = loaded(identity());
-    const Tq::Ptr<QtImage> host = new QtImage({16, 8}, QImage::Format_RGB32, 1);
+    const Tq::Ptr<QtImage> host = new QtImage({16, 8}, QImage::Format_ARGB32_Premultiplied, 1);
     host->image()->fill(0xFF4080C0);
     for (const auto format : {iGPUImage::eRGB8, iGPUImage::eRGB16, iGPUImage::eRGB32,
                               iGPUImage::eARGB16, iGPUImage::eYUV8, iGPUImage::eUYVY}) {

@@ -141,9 +141,12 @@ EffectContents::EffectContents(std::unique_ptr<Effect> effect, iProgramBuilder& 
 
 void EffectContents::findTechniques(iProgramBuilder& builder, std::string& listing)
 {
-    for (std::size_t i = 0; i < effect_->techniques().size(); ++i)
-        if (effect_->validate(i, builder, listing))
+    for (std::size_t i = 0; i < effect_->techniques().size(); ++i) {
+        std::string said;
+        if (effect_->validate(i, builder, said))
             techniques_.push_back({effect_->techniques()[i].name, i, {}});
+        listing += said;
+    }
 }
 
 void EffectContents::findParameters()

@@ -89,12 +89,6 @@ EffectTarget EffectTarget::of(const Parameter& parameter)
 {
     EffectTarget target;
     target.name = parameter.name;
-    const auto pixels = [&](double& side, double value) {
-        if (target.isShare)
-            target.width = target.height = 1.0;
-        target.isShare = false;
-        side = value;
-    };
     for (const Annotation& annotation : parameter.annotations) {
         const std::vector<double>& numbers = annotation.value.numbers;
         if (equalsNoCase(annotation.name, "Format") &&
@@ -102,16 +96,17 @@ EffectTarget EffectTarget::of(const Parameter& parameter)
             target.format = iGPUImage::eARGB16;
         if (numbers.empty())
             continue;
+        const double second = numbers.size() > 1 ? numbers[1] : numbers[0];
         if (equalsNoCase(annotation.name, "Width")) {
-            pixels(target.width, numbers[0]);
+            target.width = {numbers[0], false};
         } else if (equalsNoCase(annotation.name, "Height")) {
-            pixels(target.height, numbers[0]);
+            target.height = {numbers[0], false};
         } else if (equalsNoCase(annotation.name, "Dimensions")) {
-            pixels(target.width, numbers[0]);
-            pixels(target.height, numbers.size() > 1 ? numbers[1] : numbers[0]);
-        } else if (equalsNoCase(annotation.name, "ViewportRatio") && target.isShare) {
-            target.width = numbers[0];
-            target.height = numbers.size() > 1 ? numbers[1] : numbers[0];
+            target.width = {numbers[0], false};
+            target.height = {second, false};
+        } else if (equalsNoCase(annotation.name, "ViewportRatio")) {
+            target.width = {numbers[0], true};
+            target.height = {second, true};
         }
     }
     return target;
@@ -119,11 +114,11 @@ EffectTarget EffectTarget::of(const Parameter& parameter)
 
 XY<int> EffectTarget::sizeFor(const XY<int>& whole) const
 {
-    const auto side = [&](double value, int all) {
-        const double texels = isShare ? value * all : value;
-        return texels >= 1.0 ? static_cast<int>(std::min(texels + 0.5, 1e6)) : 1; // no number: 1
+    const auto texels = [](const Side& side, int all) {
+        const double wanted = side.isShare ? side.value * all : side.value;
+        return wanted >= 1.0 ? static_cast<int>(std::min(wanted + 0.5, 1e6)) : 1; // no number: 1
     };
-    return {side(width, whole.x), side(height, whole.y)};
+    return {texels(width, whole.x), texels(height, whole.y)};
 }
 
 EffectContents::EffectContents(std::unique_ptr<Effect> effect, iProgramBuilder& builder,

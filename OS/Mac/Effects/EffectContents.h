@@ -27,10 +27,15 @@ struct EffectSampler
 /// ("A16B16G16R16") asks for 16 bits a component.
 struct EffectTarget
 {
+    struct Side
+    {
+        double value = 1.0;
+        bool isShare = true; ///< of what is drawn; else pixels
+    };
+
     std::string name;
-    double width = 1.0;
-    double height = 1.0;
-    bool isShare = true; ///< of what is drawn; else pixels
+    Side width;
+    Side height;
     iGPUImage::eFormat format = iGPUImage::eARGB8;
 
     static EffectTarget of(const EffectCompiler::Parameter& parameter);

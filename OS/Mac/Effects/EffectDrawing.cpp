@@ -20,31 +20,35 @@ constexpr GLuint kTexCoords = 8; // places, and the first one's attribute
 
 } // namespace
 
-// A framebuffer object's image as what GL draws into, for a scope; then it is the output again.
+// A render target as what GL draws into, for a scope; then it is the output again. Through a
+// framebuffer object of its own: an image's may be the output's, where contexts do not share them.
 class EffectDrawing::TargetInUse
 {
 public:
-    TargetInUse(iOpenGLImage& image, const GLStateKeeper& state) : image_(image), state_(state)
+    TargetInUse(const iOpenGLImage& image, const GLStateKeeper& state) : state_(state)
     {
         glPushAttrib(GLStateKeeper::kAttributes);
-        image_.bind();
-        const XY<int> size = image_.getPhysicalSize();
+        glGenFramebuffers(1, &framebuffer_);
+        glBindFramebuffer(GL_FRAMEBUFFER, framebuffer_);
+        glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D,
+                               image.getTextureID(), 0);
+        const XY<int> size = image.getPhysicalSize();
         glViewport(0, 0, size.x, size.y);
         glDisable(GL_SCISSOR_TEST);
         glDisable(GL_BLEND);
     }
     ~TargetInUse()
     {
-        image_.unbind();
         state_.bindOutput();
+        glDeleteFramebuffers(1, &framebuffer_);
         glPopAttrib();
     }
     TargetInUse(const TargetInUse&) = delete;
     TargetInUse& operator=(const TargetInUse&) = delete;
 
 private:
-    iOpenGLImage& image_;
     const GLStateKeeper& state_;
+    GLuint framebuffer_ = 0;
 };
 
 namespace {

@@ -38,7 +38,8 @@ private:
     std::optional<bool> hasSamplerObjects_;
 };
 
-/// Textures bound to units while this lives. Afterwards units and textures are as they were.
+/// Textures bound to units while this lives. Afterwards units and textures are as they were. Where
+/// there are no sampler objects, all samplers of one texture read as the last of them does.
 class EffectTexturesInUse
 {
 public:

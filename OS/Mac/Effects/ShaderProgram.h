@@ -77,7 +77,7 @@ private:
 class ShaderPrograms
 {
 public:
-    static constexpr std::size_t kKept = 256;
+    static constexpr std::size_t kKept = 128;
     static constexpr std::size_t kMost = 2048;
 
     static ShaderPrograms& instance();

@@ -50,13 +50,33 @@ ReadablePicture pictureOf(const Tq::Ptr<iGPUImage>& copy)
     return picture;
 }
 
+// Where contexts do not share framebuffer objects, a context has one, and drawing on the copy has
+// given it the copy's texture: gives it back the one that it had, at the end of a scope.
+class DrawnTextureKeeper
+{
+public:
+    DrawnTextureKeeper() : texture_(drawnTexture()) {}
+    ~DrawnTextureKeeper()
+    {
+        if (texture_ != 0 && drawnTexture() != texture_)
+            glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, texture_,
+                                   0);
+    }
+    DrawnTextureKeeper(const DrawnTextureKeeper&) = delete;
+    DrawnTextureKeeper& operator=(const DrawnTextureKeeper&) = delete;
+
+private:
+    GLuint texture_;
+};
+
 // Draws a part of an image, in its pixels, on a texture of its own.
 ReadablePicture copyPart(const iImageBase* image, const Tq::Rectangle<int>& part,
                          const XY<float>& scale)
 {
+    const DrawnTextureKeeper keeper;
     const Tq::Ptr<iGPUImage> copy =
         OpenGLImage::create(part.size(), isDeep(image) ? iGPUImage::eARGB16 : iGPUImage::eARGB8);
-    const Tq::Ptr<iGraphicPrimitivesRenderer> renderer =
+    Tq::Ptr<iGraphicPrimitivesRenderer> renderer =
         copy ? copy->getPrimitivesRenderer(true) : Tq::Ptr<iGraphicPrimitivesRenderer>();
     if (!renderer)
         return {};

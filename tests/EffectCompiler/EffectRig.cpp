@@ -5,12 +5,9 @@
 #include <GL/glext.h>
 #include <GL/glx.h>
 
-#include <cstdio>
 #include <cstdlib>
 #include <map>
 #include <vector>
-
-#include "support/TemporaryFolder.h"
 
 using namespace EffectCompiler;
 
@@ -297,18 +294,4 @@ std::unique_ptr<Effect> loadFragment(const std::string& source, std::string& lis
     auto effect = context.createFromText(source + pass, "shader.fx", {"-DPROFILE=glslf"});
     listing = context.listing();
     return effect;
-}
-
-std::string judged(const std::string& glsl, const char* kind)
-{
-    const TemporaryFolder folder;
-    const std::string path = folder.write(std::string("shader.") + kind, glsl);
-    FILE* judge = popen(("glslangValidator " + path + " 2>&1").c_str(), "r");
-    std::string said;
-    char buffer[4000];
-    while (judge && fgets(buffer, sizeof buffer, judge))
-        said += buffer;
-    const int status = judge ? pclose(judge) : 0;
-    constexpr int kNotFound = 127 << 8;
-    return status == 0 || status == kNotFound ? "" : said + glsl;
 }

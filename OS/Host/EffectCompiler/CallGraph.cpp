@@ -25,6 +25,20 @@ bool hasOut(const Function& function)
                        [](const Variable* p) { return p->direction != Variable::Direction::eIn; });
 }
 
+bool discards(const Statement* statement)
+{
+    if (!statement)
+        return false;
+    return statement->kind == Statement::Kind::eDiscard || discards(statement->body) ||
+           std::any_of(statement->statements.begin(), statement->statements.end(), discards);
+}
+
+/// Of the language's functions: whether it gives something out, or may end the program.
+bool hasEffects(const Intrinsic& intrinsic)
+{
+    return intrinsic.signature.find('*') != std::string_view::npos || intrinsic.name == "clip";
+}
+
 class Completion
 {
 public:
@@ -58,9 +72,12 @@ private:
     void collect(Function& function)
     {
         std::unordered_set<const Function*> seen;
+        function.hasEffects = discards(function.body);
         walk(function.body, [&](Expression& expression) {
             if (isWrite(expression))
                 addWrite(function, *expression.operands[0]);
+            if (expression.intrinsic && expression.intrinsic->name == "clip")
+                function.hasEffects = true;
             if (!expression.function)
                 return;
             addOutArguments(function, expression);
@@ -130,8 +147,7 @@ private:
             isWrite(expression) ||
             std::any_of(expression.operands.begin(), expression.operands.end(),
                         [](const Expression* operand) { return operand->hasEffects; });
-        if (expression.intrinsic &&
-            expression.intrinsic->signature.find('*') != std::string_view::npos)
+        if (expression.intrinsic && hasEffects(*expression.intrinsic))
             expression.hasEffects = true;
         if (!expression.function)
             return;

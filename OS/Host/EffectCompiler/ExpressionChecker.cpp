@@ -272,7 +272,9 @@ void ExpressionChecker::checkAssign(Expression& expression)
         return fail(expression, {});
     if (!write(target))
         return fail(expression, {});
-    if (isSampler(target.type) || target.type.scalar == Scalar::eTexture)
+    const bool isInterface = target.type.record && target.type.record->isInterface;
+    if (target.type.scalar == Scalar::eSampler || target.type.scalar == Scalar::eTexture ||
+        isInterface)
         return fail(expression, "a " + nameOf(target.type) + " cannot be assigned");
     expression.type = target.type;
     if (expression.text == "=")

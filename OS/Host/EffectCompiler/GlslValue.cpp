@@ -152,4 +152,9 @@ Binding bindingOf(const std::string& sign)
     return Binding::eProduct;
 }
 
+bool isBitOperator(const std::string& sign)
+{
+    return sign == "&" || sign == "|" || sign == "^" || sign == "<<" || sign == ">>" || sign == "~";
+}
+
 } // namespace EffectCompiler

@@ -54,5 +54,7 @@ std::string glslTypeName(const Type& type);
 
 /// The operator's binding, of "+" and its like.
 Binding bindingOf(const std::string& sign);
+/// "&", "<<", "~" and their like, which came with GLSL 1.30.
+bool isBitOperator(const std::string& sign);
 
 } // namespace EffectCompiler

@@ -166,6 +166,15 @@ float4 main() : COLOR { int a[2] = {1, 1}; int i = 0; a[i++] *= 2.5; return floa
 void f(inout int i) { i++; }
 float4 main() : COLOR { float x = 0; float y = (f(x), f(x), x / 4); return float4(y, x / 4, 0, 1); }
 )"},
+    {"CommaInPlacesOfItsOwn", {0.75F, 0.5F, 0.25F, 1}, R"(
+float2 both(float a, float b) { return float2(a, b); }
+float4 main() : COLOR
+{
+    float x = 0, y = (x = .5, x + .25), z = max((x += 0, y), (y = .25, 0));
+    float2 v = (y += 0, x);
+    return float4((x += 0, z), both((x += 0, v.x), (y += 0, y)), all((x += 0, v) == (y += 0, v)));
+}
+)"},
     {"ChainedAssignmentConverts", {0.5F, 0.25F, 0, 1}, R"(
 float4 main() : COLOR { int i; float f, g; g = (f = i = 1.75) / 2; return float4(g, i * .25, 0, 1); }
 )"},

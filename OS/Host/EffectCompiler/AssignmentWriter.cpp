@@ -38,7 +38,7 @@ GlslValue FunctionWriter::assignValue(const Expression& expression)
         target(*expression.operands[0], right.hasEffects ? Use::eBeforeEffects : Use::eOnce);
     const GlslValue assigned = value(right);
     if (left.parts.empty())
-        return {left.text + " = " + bound(assigned, Binding::eAssign), Binding::eAssign, false};
+        return {left.text + " = " + alone(assigned), Binding::eAssign, false};
     const GlslValue kept = stable(assigned, right.type, right.place);
     assign(left, kept.text, expression.place);
     return kept;
@@ -67,13 +67,12 @@ GlslValue FunctionWriter::compoundValue(const Expression& expression)
     if (isBitOperator(sign) && stage_.version() < 130)
         refuse(expression.place, "GLSL 1.20 has no operator '" + expression.text + "'");
     if (isNative && left.parts.empty())
-        return {left.text + " " + expression.text + " " + bound(other, Binding::eAssign),
-                Binding::eAssign, false};
+        return {left.text + " " + expression.text + " " + alone(other), Binding::eAssign, false};
     old = convert(old, left.type, common, expression.place);
     GlslValue result = arithmetic(sign, common, old, other, !scalar, expression.place);
     result = convert(result, common, left.type, expression.place);
     if (left.parts.empty())
-        return {left.text + " = " + bound(result, Binding::eAssign), Binding::eAssign, false};
+        return {left.text + " = " + alone(result), Binding::eAssign, false};
     const GlslValue kept = keep(result, left.type, expression.place);
     assign(left, kept.text, expression.place);
     return kept;

@@ -120,7 +120,7 @@ std::string FunctionWriter::selfArgument(const Expression& object, bool isWritte
     if (!isWritten) {
         const GlslValue self = value(object);
         const bool isKept = use == Use::eBeforeEffects && !isUnchanging(object);
-        return isKept ? keep(self, object.type, object.place).text : bound(self, Binding::eAssign);
+        return isKept ? keep(self, object.type, object.place).text : alone(self);
     }
     const Variable* variable = rootOf(object).variable;
     if (!object.isLvalue || (variable && variable->isConst))
@@ -139,7 +139,7 @@ std::string FunctionWriter::argument(const Expression& expression, const Type& p
                             expression.type.scalar != Type::Scalar::eSampler;
         if (isKept)
             in = keep(in, expression.type, place);
-        return bound(in, Binding::eAssign);
+        return alone(in);
     }
     const bool isInterface = parameter.record && parameter.record->isInterface;
     const bool isSame = expression.type == parameter || isInterface;
@@ -217,7 +217,7 @@ GlslValue FunctionWriter::mulValue(const Expression& expression)
                          Binding::eProduct, false};
     };
     const auto call = [&](const char* name, const GlslValue& first, const GlslValue& second) {
-        return GlslValue{std::string(name) + "(" + first.text + ", " + second.text + ")",
+        return GlslValue{std::string(name) + "(" + alone(first) + ", " + alone(second) + ")",
                          Binding::ePrimary, false};
     };
     if (isScalar(a) || isScalar(b) || (isGlslScalar(a) && isGlslScalar(b)))
@@ -241,7 +241,7 @@ GlslValue FunctionWriter::transposeValue(const Expression& expression)
     if (!isGlslMatrix(operand.type))
         return matrix; // a row as a column: the same components
     (void)stage_.typeName(expression.type, expression.place);
-    return {"transpose(" + matrix.text + ")", Binding::ePrimary, false};
+    return {"transpose(" + alone(matrix) + ")", Binding::ePrimary, false};
 }
 
 } // namespace EffectCompiler

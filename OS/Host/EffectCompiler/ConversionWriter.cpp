@@ -42,7 +42,7 @@ GlslValue FunctionWriter::convert(GlslValue value, const Type& from, const Type&
     if (isGlslMatrix(from) || isGlslMatrix(to)) {
         if (isGlslMatrix(from) && isGlslMatrix(to)) {
             const bool isSame = from.rows == to.rows && from.columns == to.columns;
-            return isSame ? value : call(value.text);
+            return isSame ? value : call(alone(value));
         }
         if (isGlslScalar(from)) { // GLSL would only fill the diagonal
             const GlslValue number = stable(convert(value, from, scalarType(to.scalar), place),
@@ -50,7 +50,7 @@ GlslValue FunctionWriter::convert(GlslValue value, const Type& from, const Type&
             return call(repeated(number.text, static_cast<std::size_t>(count)));
         }
         if (isGlslMatrix(to))
-            return call(value.text);
+            return call(alone(value));
         const GlslValue kept = stable(value, from, place);
         std::string text;
         for (int i = 0; i < count; ++i)
@@ -67,7 +67,7 @@ GlslValue FunctionWriter::convert(GlslValue value, const Type& from, const Type&
                 Binding::ePrimary, value.isStable};
     if (from.scalar == to.scalar && count == componentsOf(from))
         return value;
-    return call(value.text);
+    return call(alone(value));
 }
 
 GlslValue FunctionWriter::filled(const Type& type, const GlslValue& number, const Type& numberType,
@@ -84,8 +84,7 @@ GlslValue FunctionWriter::filled(const Type& type, const GlslValue& number, cons
         return convert(number, numberType, type, place);
     std::string text;
     for (const Field& field : type.record->fields) {
-        text += (text.empty() ? "" : ", ") +
-                bound(filled(field.type, number, numberType, place), Binding::eAssign);
+        text += (text.empty() ? "" : ", ") + alone(filled(field.type, number, numberType, place));
         if (text.size() > kMostText) {
             refuse(place, "the program becomes too long");
             break;

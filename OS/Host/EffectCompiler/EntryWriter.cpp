@@ -90,9 +90,9 @@ std::string EntryWriter::given(const Variable& parameter)
         value = {stage_.entryUniform(parameter)};
     values_.flush(body_, program_.place, 1);
     if (parameter.direction == Direction::eIn)
-        return bound(value, Binding::eAssign);
+        return alone(value);
     const std::string name = stage_.names().local(parameter.name);
-    body_.add({}, 1, stage_.declaration(parameter.type, name, place) + " = " + value.text + ";");
+    body_.add({}, 1, stage_.declaration(parameter.type, name, place) + " = " + alone(value) + ";");
     return name;
 }
 
@@ -112,9 +112,9 @@ std::string EntryWriter::argument(const Variable& parameter)
         value = input(parameter.type, semanticOf(parameter.semantic), place);
     }
     if (parameter.direction == Direction::eIn)
-        return bound(value, Binding::eAssign);
+        return alone(value);
     const std::string name = stage_.names().local(parameter.name);
-    body_.add({}, 1, stage_.declaration(parameter.type, name, place) + " = " + value.text + ";");
+    body_.add({}, 1, stage_.declaration(parameter.type, name, place) + " = " + alone(value) + ";");
     return name;
 }
 

@@ -108,7 +108,7 @@ GlslValue FunctionWriter::keep(const GlslValue& value, const Type& type, SourceP
 {
     if (!mayHaveStatements_)
         return {bound(value, Binding::ePrimary), Binding::ePrimary, true};
-    return {temporary(type, place, value.text), Binding::ePrimary, true};
+    return {temporary(type, place, alone(value)), Binding::ePrimary, true};
 }
 
 GlslValue FunctionWriter::stable(const GlslValue& value, const Type& type, SourcePlace place)
@@ -170,7 +170,7 @@ GlslValue FunctionWriter::unaryValue(const Expression& expression)
     if (sign == "+")
         return operand;
     if (sign == "!" && !isGlslScalar(expression.type))
-        return {"not(" + operand.text + ")", Binding::ePrimary, false};
+        return {"not(" + alone(operand) + ")", Binding::ePrimary, false};
     if (sign == "~" && stage_.version() < 130)
         refuse(expression.place, "GLSL 1.20 has no operator '~'");
     std::string text = bound(operand, Binding::eUnary);
@@ -226,10 +226,11 @@ GlslValue FunctionWriter::arithmetic(const std::string& sign, const Type& type, 
     if (sign == "%") {
         const std::string name =
             stage_.helper(type.scalar == Scalar::eFloat ? "fmod" : "remainder", glslTypeName(type));
-        return {name + "(" + left.text + ", " + right.text + ")", Binding::ePrimary, false};
+        return {name + "(" + alone(left) + ", " + alone(right) + ")", Binding::ePrimary, false};
     }
     if (sign == "*" && areMatrices && isGlslMatrix(type))
-        return {"matrixCompMult(" + left.text + ", " + right.text + ")", Binding::ePrimary, false};
+        return {"matrixCompMult(" + alone(left) + ", " + alone(right) + ")", Binding::ePrimary,
+                false};
     return joined(left, sign, right);
 }
 
@@ -238,7 +239,7 @@ GlslValue FunctionWriter::comparison(const std::string& sign, const Type& type,
 {
     if (isGlslScalar(type))
         return joined(left, sign, right);
-    return {std::string(comparisonName(sign)) + "(" + left.text + ", " + right.text + ")",
+    return {std::string(comparisonName(sign)) + "(" + alone(left) + ", " + alone(right) + ")",
             Binding::ePrimary, false};
 }
 
@@ -253,8 +254,7 @@ GlslValue FunctionWriter::commaValue(const Expression& expression)
         return second;
     const bool isPlain = pre_.size() == mark && !isVoid(left.type) && !isVoid(right.type);
     if (isPlain)
-        return {bound(first, Binding::eAssign) + ", " + bound(second, Binding::eAssign),
-                Binding::eComma, false};
+        return {alone(first) + ", " + alone(second), Binding::eComma, false};
     pre_.insert(pre_.begin() + static_cast<std::ptrdiff_t>(mark), {0, first.text + ";"});
     return second;
 }
@@ -267,7 +267,7 @@ GlslValue FunctionWriter::logicValue(const Expression& expression)
         const auto values = operandValues({expression.operands[0], expression.operands[1]});
         const std::string name =
             stage_.helper(isAnd ? "and" : "or", stage_.typeName(expression.type, expression.place));
-        return {name + "(" + values[0].text + ", " + values[1].text + ")", Binding::ePrimary,
+        return {name + "(" + alone(values[0]) + ", " + alone(values[1]) + ")", Binding::ePrimary,
                 false};
     }
     const GlslValue left = value(*expression.operands[0]);
@@ -276,11 +276,11 @@ GlslValue FunctionWriter::logicValue(const Expression& expression)
     const Lines within = std::exchange(pre_, before);
     if (within.empty())
         return joined(left, expression.text, right);
-    const std::string result = temporary(expression.type, expression.place, left.text);
+    const std::string result = temporary(expression.type, expression.place, alone(left));
     pre("if (" + std::string(isAnd ? "" : "!") + result + ") {");
     for (const Line& each : within)
         pre_.push_back({each.depth + 1, each.text});
-    pre_.push_back({1, result + " = " + right.text + ";"});
+    pre_.push_back({1, result + " = " + alone(right) + ";"});
     pre("}");
     return {result, Binding::ePrimary, true};
 }
@@ -292,7 +292,8 @@ GlslValue FunctionWriter::conditionalValue(const Expression& expression)
     if (!isGlslScalar(operands[0]->type)) {
         const auto values = operandValues({operands[0], operands[1], operands[2]});
         const std::string name = stage_.helper("select", stage_.typeName(type, expression.place));
-        return {name + "(" + values[0].text + ", " + values[1].text + ", " + values[2].text + ")",
+        return {name + "(" + alone(values[0]) + ", " + alone(values[1]) + ", " + alone(values[2]) +
+                    ")",
                 Binding::ePrimary, false};
     }
     const GlslValue condition = value(*operands[0]);
@@ -309,7 +310,7 @@ GlslValue FunctionWriter::conditionalValue(const Expression& expression)
     const auto add = [&](const Lines& lines, const GlslValue& chosen) {
         for (const Line& each : lines)
             pre_.push_back({each.depth + 1, each.text});
-        pre_.push_back({1, result + " = " + chosen.text + ";"});
+        pre_.push_back({1, result + " = " + alone(chosen) + ";"});
     };
     pre("if (" + condition.text + ") {");
     add(inFirst, first);
@@ -332,7 +333,7 @@ GlslValue FunctionWriter::constructorValue(const Expression& expression)
                 text += (text.empty() ? "" : ", ") + kept.text + "[" + std::to_string(row) + "]";
             continue;
         }
-        text += (text.empty() ? "" : ", ") + bound(values[i], Binding::eAssign);
+        text += (text.empty() ? "" : ", ") + alone(values[i]);
     }
     return {stage_.typeName(expression.type, expression.place) + "(" + text + ")",
             Binding::ePrimary, false};
@@ -357,7 +358,7 @@ GlslValue FunctionWriter::listValue(const Expression& expression)
         // An array of arrays is one array of all elements.
         const std::string part = isArray(operands[i]->type) && isArray(expression.type)
                                      ? elementTexts(values[i], *operands[i])
-                                     : bound(values[i], Binding::eAssign);
+                                     : alone(values[i]);
         text += (text.empty() ? "" : ", ") + part;
     }
     const bool isEmpty = text.empty();

@@ -37,6 +37,11 @@ struct GlslValue
 
 /// The text, in parentheses where it would fall apart beside an operator that binds so.
 std::string bound(const GlslValue& value, Binding binding);
+/// As an argument, or behind "=": in parentheses where it has a comma of its own.
+inline std::string alone(const GlslValue& value)
+{
+    return bound(value, Binding::eAssign);
+}
 
 /// A GLSL literal.
 GlslValue numberValue(double number, Type::Scalar scalar);

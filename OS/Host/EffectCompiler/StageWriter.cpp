@@ -185,7 +185,7 @@ void StageWriter::initialise(const Variable& variable, UsedGlobal& used)
     names_.names.openScope();
     const GlslValue value = writer.value(*variable.initialiser);
     writer.flush(used.start, variable.place, 1);
-    used.start.add(variable.place, 1, name + " = " + value.text + ";");
+    used.start.add(variable.place, 1, name + " = " + alone(value) + ";");
     names_.names.closeScope();
 }
 

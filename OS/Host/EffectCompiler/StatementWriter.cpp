@@ -181,7 +181,7 @@ std::string FunctionWriter::declared(const Variable& variable)
     std::string initial;
     const std::size_t numbers = numbersOf(type);
     if (variable.initialiser)
-        initial = " = " + value(*variable.initialiser).text;
+        initial = " = " + alone(value(*variable.initialiser));
     else if (numbers > 0 && numbers <= kMostNumbersToClear)
         initial = " = " + zero(type, variable.place).text; // what it never got is no noise
     const std::string& name = locals_[&variable] = stage_.names().local(variable.name);

@@ -7,12 +7,15 @@
 
 #include "OS/Mac/Effects/EffectTextures.h"
 #include "OS/Mac/OpenGL/Contexts/OpenGLContextProtector.h"
+#include "OS/Mac/OpenGL/Images/OpenGLImage3D.h"
 #include "OS/Mac/Painting/QtRegion.h"
 
 #include <OS/Primitives/GraphicPrimitivesList.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <atomic>
 
 namespace {
 
@@ -67,6 +70,25 @@ Tq::Ptr<OpenGLImage> plain(int width, int height, const NormalisedRGB& colour)
     const Tq::Ptr<OpenGLImage> image = makeImage({width, height});
     clear(*image, colour);
     return image;
+}
+
+// Of red 0 to 7: one more for each texel.
+Tq::Ptr<OpenGLImage3D> twoByTwoByTwo()
+{
+    const OpenGLContextProtector protector;
+    GLubyte texels[8][4] = {};
+    for (GLubyte i = 0; i < 8; ++i) {
+        texels[i][0] = i;
+        texels[i][3] = 255;
+    }
+    GLuint name = 0;
+    glGenTextures(1, &name);
+    glBindTexture(GL_TEXTURE_3D, name);
+    glTexParameteri(GL_TEXTURE_3D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
+    glTexParameteri(GL_TEXTURE_3D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
+    glTexImage3D(GL_TEXTURE_3D, 0, GL_RGBA, 2, 2, 2, 0, GL_RGBA, GL_UNSIGNED_BYTE, texels);
+    glBindTexture(GL_TEXTURE_3D, 0);
+    return new OpenGLImage3D(name);
 }
 
 int at(QRgb pixel, int channel)
@@ -291,6 +313,26 @@ TEST_F(EffectDrawing, InputsWithoutAPictureAreTransparentBlack)
     EXPECT_EQ(drawnWhole(loaded(effect), plain(4, 4, {0, 0, 1})).pixel(2, 2), 0xFF0000FF);
 }
 
+TEST_F(EffectDrawing, ACubeOfColoursIsReadInThreeDimensions)
+{
+    WrittenEffect written;
+    written.input("Image")
+        .input("Cube", {}, EffectCompiler::TextureKind::e3D)
+        .technique(
+            "t",
+            {{"",
+              "result = texture3D(CubeSampler, (texture2D(ImageSampler, uv).rgb + 0.5) / 2.0);",
+              {},
+              ""}});
+    ImageDescriptionEx desc =
+        through(loaded(written), plain(4, 4, {1, 0, 1}), {0, 0, 4, 4}, {0, 0, 4, 4});
+    desc.technique_.values_ = {iShaderParamValue::makeSource("Cube", twoByTwoByTwo())};
+    EXPECT_EQ(drawn(desc, 4, 4).pixel(1, 1), 0xFF050000);
+    // A flat picture in its place is none.
+    desc.technique_.values_ = {iShaderParamValue::makeSource("Cube", plain(2, 2, {1, 1, 1}))};
+    EXPECT_EQ(drawn(desc, 4, 4).pixel(1, 1), 0u);
+}
+
 TEST_F(EffectDrawing, ValuesPutNumbersAndPicturesInForOneDrawing)
 {
     WrittenEffect written;
@@ -507,6 +549,33 @@ TEST_F(EffectDrawing, EveryContextDrawsWithTheValuesOfTheDrawing)
         BackgroundThread other([&] { return draw(1.0f - level); });
         EXPECT_EQ(other.result(), 255 - expected);
     }
+}
+
+// Values come from one thread, releases from another, while a third draws.
+TEST_F(EffectDrawing, ValuesMayChangeWhileItIsDrawn)
+{
+    WrittenEffect written;
+    written.input("Image")
+        .number("colour", {1, 0, 0, 1})
+        .technique("t", {{"", "result = colour;", {}, ""}});
+    Tq::Ptr<OpenGLShaderEffect> effect = loaded(written);
+    const Tq::Ptr<OpenGLImage> image = plain(4, 4, {});
+    const ImageDescriptionEx desc = through(effect, image, {0, 0, 4, 4}, {0, 0, 4, 4});
+    std::atomic<bool> isOver{false};
+    BackgroundThread setter([&isOver, effect] {
+        for (int i = 0; !isOver; ++i)
+            effect->setColour("colour", i % 2 ? NormalisedRGB(1, 0, 0) : NormalisedRGB(0, 1, 1));
+        return true;
+    });
+    effect.reset();
+    int mixed = 0;
+    for (int i = 0; i < 200; ++i) {
+        const QRgb pixel = drawn(desc, 4, 4).pixel(1, 1);
+        mixed += pixel != 0xFFFF0000 && pixel != 0xFF00FFFF;
+    }
+    EXPECT_EQ(mixed, 0);
+    isOver = true;
+    EXPECT_TRUE(setter.result());
 }
 
 TEST_F(EffectDrawing, ARecordedFrameKeepsItsEffect)

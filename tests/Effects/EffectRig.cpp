@@ -1,5 +1,6 @@
 #include "Effects/EffectRig.h"
 
+#include "OS/Mac/Effects/ShaderPrograms.h"
 #include "OS/Mac/OpenGL/Contexts/OpenGLContextProtector.h"
 #include "OS/Mac/OpenGL/Contexts/OpenGLUtils.h"
 

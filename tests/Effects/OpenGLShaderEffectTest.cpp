@@ -5,6 +5,7 @@
 
 #include "OS/Mac/Core/PathText.h"
 #include "OS/Mac/Effects/OpenGLShaderEffect.h"
+#include "OS/Mac/Effects/ShaderPrograms.h"
 
 #include <OS.h>
 #include <OS/Media/iMediaServices.h>

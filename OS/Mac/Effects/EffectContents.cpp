@@ -2,6 +2,7 @@
 
 #include "OS/Mac/Core/Assertion.h"
 #include "OS/Mac/Effects/EffectText.h"
+#include "OS/Mac/Effects/ShaderPrograms.h"
 
 #include <algorithm>
 #include <cmath>

@@ -4,6 +4,7 @@
 #include "OS/Mac/Effects/EffectTextures.h"
 #include "OS/Mac/Effects/GLStateKeeper.h"
 #include "OS/Mac/Effects/SceneTarget.h"
+#include "OS/Mac/Effects/ShaderPrograms.h"
 #include "OS/Mac/Effects/SpaceMath.h"
 #include "OS/Mac/OpenGL/Contexts/OpenGLContextProtector.h"
 #include "OS/Mac/OpenGL/Drawing/ReadablePicture.h"

@@ -3,6 +3,7 @@
 #include "OS/Mac/Core/Assertion.h"
 #include "OS/Mac/Core/PathText.h"
 #include "OS/Mac/Effects/EffectText.h"
+#include "OS/Mac/Effects/ShaderPrograms.h"
 #include "OS/Mac/OpenGL/Contexts/OpenGLContextProtector.h"
 
 #include <algorithm>
@@ -132,6 +133,7 @@ int OpenGLShaderEffect::techniqueFor(const LightweightString<char>& name) const
 
 bool OpenGLShaderEffect::hasTechnique(const LightweightString<char>& name)
 {
+    const OpenGLContextProtector protector;
     update();
     return techniqueFor(name) >= 0;
 }
@@ -234,7 +236,7 @@ void OpenGLShaderEffect::takeOver(const std::shared_ptr<EffectContents>& content
 
 void OpenGLShaderEffect::update()
 {
-    if (!watch_.hasChanged())
+    if (!OpenGLContextProtector::hasContext() || !watch_.hasChanged())
         return;
     // Stamped before it is read: what is written meanwhile is another change.
     watch_.watch(watch_.paths());

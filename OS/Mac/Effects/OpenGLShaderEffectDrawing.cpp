@@ -5,6 +5,7 @@
 #include "OS/Mac/Core/Assertion.h"
 #include "OS/Mac/Core/PathText.h"
 #include "OS/Mac/Effects/EffectText.h"
+#include "OS/Mac/Effects/ShaderPrograms.h"
 #include "OS/Mac/OpenGL/Contexts/OpenGLContextProtector.h"
 #include "OS/Mac/OpenGL/Images/FramebufferBinding.h"
 

@@ -1,71 +1,9 @@
 #include "OS/Mac/Effects/ShaderProgram.h"
 
-#include "OS/Mac/OpenGL/Contexts/OpenGLUtils.h"
-
 #include <QOpenGLContext>
 #include <algorithm>
-#include <cmath>
-#include <cstdlib>
-#include <cstring>
 
 namespace {
-
-// What the numbers of a uniform's type are, and how many an element has.
-struct Shape
-{
-    enum Kind
-    {
-        eFloats,
-        eInts,
-        eMatrix,
-        eOther
-    };
-    Kind kind;
-    int components;
-};
-
-Shape shapeOf(GLenum type)
-{
-    switch (type) {
-    case GL_FLOAT:
-        return {Shape::eFloats, 1};
-    case GL_FLOAT_VEC2:
-        return {Shape::eFloats, 2};
-    case GL_FLOAT_VEC3:
-        return {Shape::eFloats, 3};
-    case GL_FLOAT_VEC4:
-        return {Shape::eFloats, 4};
-    case GL_INT:
-    case GL_BOOL:
-        return {Shape::eInts, 1};
-    case GL_INT_VEC2:
-    case GL_BOOL_VEC2:
-        return {Shape::eInts, 2};
-    case GL_INT_VEC3:
-    case GL_BOOL_VEC3:
-        return {Shape::eInts, 3};
-    case GL_INT_VEC4:
-    case GL_BOOL_VEC4:
-        return {Shape::eInts, 4};
-    case GL_FLOAT_MAT2:
-        return {Shape::eMatrix, 4};
-    case GL_FLOAT_MAT2x3:
-    case GL_FLOAT_MAT3x2:
-        return {Shape::eMatrix, 6};
-    case GL_FLOAT_MAT2x4:
-    case GL_FLOAT_MAT4x2:
-        return {Shape::eMatrix, 8};
-    case GL_FLOAT_MAT3:
-        return {Shape::eMatrix, 9};
-    case GL_FLOAT_MAT3x4:
-    case GL_FLOAT_MAT4x3:
-        return {Shape::eMatrix, 12};
-    case GL_FLOAT_MAT4:
-        return {Shape::eMatrix, 16};
-    default:
-        return {Shape::eOther, 0};
-    }
-}
 
 // What a sampler's type reads; 0 for what is no sampler.
 GLenum targetOf(GLenum type)
@@ -87,62 +25,6 @@ GLenum targetOf(GLenum type)
     default:
         return 0;
     }
-}
-
-void sendMatrices(GLint location, GLenum type, GLsizei count, const GLfloat* numbers)
-{
-    switch (type) {
-    case GL_FLOAT_MAT2:
-        return glUniformMatrix2fv(location, count, GL_FALSE, numbers);
-    case GL_FLOAT_MAT2x3:
-        return glUniformMatrix2x3fv(location, count, GL_FALSE, numbers);
-    case GL_FLOAT_MAT2x4:
-        return glUniformMatrix2x4fv(location, count, GL_FALSE, numbers);
-    case GL_FLOAT_MAT3:
-        return glUniformMatrix3fv(location, count, GL_FALSE, numbers);
-    case GL_FLOAT_MAT3x2:
-        return glUniformMatrix3x2fv(location, count, GL_FALSE, numbers);
-    case GL_FLOAT_MAT3x4:
-        return glUniformMatrix3x4fv(location, count, GL_FALSE, numbers);
-    case GL_FLOAT_MAT4:
-        return glUniformMatrix4fv(location, count, GL_FALSE, numbers);
-    case GL_FLOAT_MAT4x2:
-        return glUniformMatrix4x2fv(location, count, GL_FALSE, numbers);
-    default:
-        return glUniformMatrix4x3fv(location, count, GL_FALSE, numbers);
-    }
-}
-
-void sendFloats(GLint location, int components, GLsizei count, const GLfloat* numbers)
-{
-    (components == 1   ? glUniform1fv
-     : components == 2 ? glUniform2fv
-     : components == 3 ? glUniform3fv
-                       : glUniform4fv)(location, count, numbers);
-}
-
-void sendInts(GLint location, int components, GLsizei count, const GLfloat* numbers)
-{
-    std::vector<GLint> whole(static_cast<std::size_t>(components * count));
-    std::transform(numbers, numbers + whole.size(), whole.begin(), [](GLfloat number) {
-        constexpr GLfloat kFar = 2147483520.0f; // the largest that is below 2^31
-        return static_cast<GLint>(std::isnan(number) ? 0.0f
-                                                     : std::clamp(std::round(number), -kFar, kFar));
-    });
-    (components == 1   ? glUniform1iv
-     : components == 2 ? glUniform2iv
-     : components == 3 ? glUniform3iv
-                       : glUniform4iv)(location, count, whole.data());
-}
-
-void send(const ShaderUniform& uniform, const Shape& shape, const GLfloat* numbers)
-{
-    if (shape.kind == Shape::eMatrix)
-        sendMatrices(uniform.location, uniform.type, uniform.elements, numbers);
-    else if (shape.kind == Shape::eFloats)
-        sendFloats(uniform.location, shape.components, uniform.elements, numbers);
-    else
-        sendInts(uniform.location, shape.components, uniform.elements, numbers);
 }
 
 class Stage
@@ -200,28 +82,6 @@ bool linkTexts(GLuint program, const EffectCompiler::ProgramText& text, std::str
     return linked == GL_TRUE;
 }
 
-bool isMesaInSoftware()
-{
-    const auto* renderer = reinterpret_cast<const char*>(glGetString(GL_RENDERER));
-    return renderer && std::strstr(renderer, "llvmpipe");
-}
-
-// Mesa in software takes a short cut where a program only copies a texture, and another one under
-// an alpha test: the first forgets the order of the components, the second the test. A sum, and a
-// discard that never happens, keep it off them.
-std::string withoutShortCuts(const std::string& fragment, bool hasAlphaTest)
-{
-    const std::size_t firstLine = fragment.find('\n');
-    if (firstLine == std::string::npos || fragment.find("gl_FragData[0]") == std::string::npos)
-        return fragment;
-    std::string text = fragment;
-    text.insert(firstLine + 1, "#define main cga_main\n#line 1\n");
-    text += "\n#undef main\nuniform vec4 cga_zero;\nvoid main()\n{\n    cga_main();\n";
-    if (hasAlphaTest)
-        text += "    if (cga_zero.x != 0.0)\n        discard;\n";
-    return text + "    gl_FragData[0] += cga_zero;\n}\n";
-}
-
 std::string withoutIndex(std::string name)
 {
     if (name.ends_with("[0]"))
@@ -246,23 +106,6 @@ bool readsNumberedAttributes(GLuint program)
 }
 
 } // namespace
-
-// Contexts share their programs, and a driver may take no notice of a value that another context
-// gave last, although this one still draws with an older value of its own: so every value comes
-// after a different one.
-void ShaderUniform::set(const std::vector<float>& numbers) const
-{
-    const Shape shape = shapeOf(type);
-    if (shape.kind == Shape::eOther)
-        return;
-    std::vector<float> given(static_cast<std::size_t>(shape.components * elements));
-    std::copy_n(numbers.begin(), std::min(numbers.size(), given.size()), given.begin());
-    std::vector<float> different(given.size());
-    for (std::size_t i = 0; i < given.size(); ++i)
-        different[i] = given[i] == 0.0f ? 1.0f : 0.0f;
-    send(*this, shape, different.data());
-    send(*this, shape, given.data());
-}
 
 ShaderProgram::ShaderProgram(GLuint name) : name_(name), usedIn_(QOpenGLContext::currentContext())
 {
@@ -343,64 +186,4 @@ bool ShaderProgram::destroy()
         return false;
     glDeleteProgram(name_);
     return true;
-}
-
-ShaderPrograms& ShaderPrograms::instance()
-{
-    static auto* const programs = new ShaderPrograms;
-    return *programs;
-}
-
-unsigned int ShaderPrograms::textureUnits()
-{
-    return std::min(OpenGLUtils::getNumTextureUnits(), 8u);
-}
-
-std::shared_ptr<ShaderProgram> ShaderPrograms::find(const EffectCompiler::ProgramText& given,
-                                                    std::string& log, bool hasAlphaTest)
-{
-    EffectCompiler::ProgramText text = given;
-    static const bool needsCare = isMesaInSoftware();
-    if (needsCare)
-        text.fragment = withoutShortCuts(given.fragment, hasAlphaTest);
-    std::string key = text.vertex;
-    key += '\0';
-    key += text.fragment;
-    const auto found = all_.find(key);
-    if (found != all_.end())
-        return found->second;
-    makeRoom();
-    if (all_.size() >= kMost) {
-        log += "too many different programs\n";
-        return {};
-    }
-    std::shared_ptr<ShaderProgram> made = ShaderProgram::link(text, textureUnits(), log);
-    if (made)
-        all_.emplace(std::move(key), made);
-    return made;
-}
-
-void ShaderPrograms::makeRoom()
-{
-    if (all_.size() < kKept)
-        return;
-    std::erase_if(all_, [](const auto& entry) {
-        return entry.second.use_count() == 1 && entry.second->destroy();
-    });
-}
-
-int ShaderProgramBuilder::glslVersion() const
-{
-    const auto* version = reinterpret_cast<const char*>(glGetString(GL_SHADING_LANGUAGE_VERSION));
-    if (!version)
-        return 120;
-    char* rest = nullptr;
-    const long major = std::strtol(version, &rest, 10);
-    const long minor = *rest == '.' ? std::strtol(rest + 1, nullptr, 10) : 0;
-    return major > 1 || minor >= 30 ? 130 : 120;
-}
-
-bool ShaderProgramBuilder::build(const EffectCompiler::ProgramText& text, std::string& log)
-{
-    return ShaderPrograms::instance().find(text, log) != nullptr;
 }

@@ -40,6 +40,7 @@ void Board::attach(Tq::Ptr<iRootWindow> window, Tq::Ptr<iSettings> settings,
         std::make_unique<VolumeReader>([target = window_.get()] { target->postUserMessage(); });
     serial_ =
         std::make_unique<SerialWatcher>([target = window_.get()] { target->postUserMessage(); });
+    midi_ = std::make_unique<MidiWatcher>([target = window_.get()] { target->postUserMessage(); });
     oftenTimer_ = window_->createTimer(static_cast<unsigned int>(state_.preferences.refreshMs));
     seldomTimer_ = window_->createTimer(kSeldomMs);
     live_.start();
@@ -60,6 +61,8 @@ void Board::detach()
     live_.close();
     volumes_.reset();
     serial_.reset();
+    midi_.reset();
+    state_.data.midi.monitor = {};
     state_.data.serial.monitor = {};
     oftenTimer_.reset();
     seldomTimer_.reset();
@@ -96,6 +99,7 @@ void Board::readSeldom()
     state_.data.settings = gatherSettings();
     state_.data.system = gatherSystem();
     gatherSerialPorts(state_.data.serial);
+    gatherMidi(state_.data.midi);
     noticeUnplugging();
     if (volumes_)
         volumes_->ask(state_.data.volumes.folders);
@@ -131,8 +135,27 @@ void Board::watchPort()
     state_.remake();
 }
 
+void Board::watchMidi()
+{
+    const Text name = state_.midiToWatch;
+    state_.midiToWatch.clear();
+    if (name.empty() || !midi_)
+        return;
+    MidiMonitor& monitor = state_.data.midi.monitor;
+    if (name == monitor.name && monitor.open && !monitor.gone) {
+        midi_->stop();
+        monitor = {};
+    } else {
+        monitor = midi_->watch(name);
+        if (!monitor.open)
+            state_.message = name + L" cannot be opened";
+    }
+    state_.remake();
+}
+
 void Board::noticeUnplugging()
 {
+    noticeLostMidi();
     SerialPorts& serial = state_.data.serial;
     if (!serial_ || !serial.monitor.open || serial.monitor.gone || !serial.read)
         return;
@@ -141,6 +164,18 @@ void Board::noticeUnplugging()
             return;
     serial.monitor.gone = true;
     serial_->stop();
+}
+
+void Board::noticeLostMidi()
+{
+    const MidiDevices& midi = state_.data.midi;
+    if (!midi_ || !midi.monitor.open || midi.monitor.gone)
+        return;
+    for (const MidiDevice& device : midi.inputs)
+        if (device.name == midi.monitor.name)
+            return;
+    state_.data.midi.monitor.gone = true;
+    midi_->stop();
 }
 
 void Board::keepPreferences()
@@ -206,6 +241,7 @@ iEventHandler::eRC Board::changed()
         return eContinue;
     openFolder();
     watchPort();
+    watchMidi();
     if (state_.readAnew) {
         state_.readAnew = false;
         readAll();
@@ -282,7 +318,8 @@ iEventHandler::eRC Board::handleUserMessage(const UserMessage&)
     frameRequested_ = false;
     const bool volumes = volumes_ && volumes_->take(state_.data.volumes);
     const bool bytes = serial_ && serial_->take(state_.data.serial.monitor);
-    if (volumes || bytes) {
+    const bool messages = midi_ && midi_->take(state_.data.midi.monitor);
+    if (volumes || bytes || messages) {
         state_.remake();
         interaction_.settle();
     }

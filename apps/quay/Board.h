@@ -2,6 +2,7 @@
 
 #include "Drawing/LiveGraphs.h"
 #include "Model/Gather.h"
+#include "Model/MidiWatcher.h"
 #include "Model/SerialWatcher.h"
 #include "Model/VolumeReader.h"
 #include "View/Interaction.h"
@@ -58,7 +59,9 @@ private:
     void readSeldom();
     void openFolder();
     void watchPort();
+    void watchMidi();
     void noticeUnplugging();
+    void noticeLostMidi();
     void keepPreferences();
     void keepPlace();
     void saveSoon();
@@ -75,6 +78,7 @@ private:
     Meters meters_;
     std::unique_ptr<VolumeReader> volumes_;
     std::unique_ptr<SerialWatcher> serial_;
+    std::unique_ptr<MidiWatcher> midi_;
     Preferences keptPreferences_;
     WindowPlace place_;
     bool frameRequested_ = false;

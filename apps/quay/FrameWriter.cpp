@@ -29,6 +29,7 @@ BoardData watch(int milliseconds)
     data.volumes = gatherVolumes({});
     data.system = gatherSystem();
     gatherSerialPorts(data.serial);
+    gatherMidi(data.midi);
     Meters meters;
     meters.read(data);
     const int intervalMs = std::max(kReadingMs, milliseconds / static_cast<int>(History::kLength));

@@ -184,6 +184,8 @@ TEST(DrawingTest, EveryStateIsDrawnDifferently)
         {"nothing", {1280, 800}, 1.0, {}, {}},
         {"serial-silent", {1280, 800}, 1.0, withSerialBytes(madeUpData(8, 6, 2), 0), {}},
         {"serial-bytes", {1280, 800}, 1.0, withSerialBytes(madeUpData(8, 6, 2), 1234), {}},
+        {"midi-silent", {1280, 800}, 1.0, withMidiMessages(madeUpData(8, 6, 2), 0), {}},
+        {"midi-messages", {1280, 800}, 1.0, withMidiMessages(madeUpData(8, 6, 2), 1234), {}},
         {"small", {480, 320}, 1.5, madeUpData(4, 3, 1), {}},
         {"960", {960, 600}, 1.0, madeUpData(4, 3, 2), {}},
         {"960-at-2", {960, 600}, 2.0, madeUpData(8, 3, 1), {}},

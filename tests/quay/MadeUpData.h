@@ -88,6 +88,22 @@ inline BoardData madeUpData(int processors, int drives, int monitors)
     for (int i = 0; i < drives / 3; ++i)
         data.serial.ports.push_back(
             {L"/dev/ttyUSB" + decimal(i), i == 0 ? L"Jog wheel" : L"", i == 0 ? L"A100" : L""});
+    data.midi.services = L"ALSA";
+    for (int i = 0; i < drives / 3; ++i) {
+        data.midi.inputs.push_back({L"Keys " + decimal(i + 1), i == 0 ? L"Kontor" : L"", i > 0});
+        data.midi.outputs.push_back({L"Synth " + decimal(i + 1), L"", i > 0});
+    }
+    return data;
+}
+
+/// With an input watched, from which so many messages have come.
+inline BoardData withMidiMessages(BoardData data, std::uint64_t count)
+{
+    MidiMonitor& monitor = data.midi.monitor;
+    monitor.name = L"Keys 1";
+    monitor.open = true;
+    for (std::uint64_t i = 0; i < count; ++i)
+        monitor.add(1, {{0x403C90u + static_cast<std::uint32_t>(i % 12 << 8), 0}});
     return data;
 }
 
@@ -147,6 +163,9 @@ inline BoardData withLongNames(BoardData data)
     }
     for (SerialPort& port : data.serial.ports)
         port.product += tail;
+    for (auto* devices : {&data.midi.inputs, &data.midi.outputs})
+        for (MidiDevice& device : *devices)
+            device.name += tail;
     data.system.computer += tail;
     data.system.version += tail;
     data.system.application += tail;

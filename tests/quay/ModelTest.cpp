@@ -194,7 +194,7 @@ TEST(PanelsTest, TheUsersOrderComesFirst)
     Preferences preferences;
     preferences.order = {L"system", L"no-such-panel", L"memory"};
     const std::vector<Text> keys = keysOf(makePanels({}, preferences));
-    ASSERT_EQ(keys.size(), 9u);
+    ASSERT_EQ(keys.size(), 10u);
     EXPECT_EQ(keys[0], L"system");
     EXPECT_EQ(keys[1], L"memory");
     EXPECT_EQ(keys[2], L"processors");

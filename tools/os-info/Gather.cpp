@@ -3,6 +3,8 @@
 #include "PrintedLines.h"
 
 #include <OS.h>
+#include <OS/Devices/iMIDI.h>
+#include <OS/Devices/iMIDIDeviceInfo.h>
 #include <OS/Files/iFileManager.h>
 #include <OS/Files/iShell.h>
 #include <OS/Media/iMediaServices.h>
@@ -140,6 +142,27 @@ Section computeDevices()
     return section;
 }
 
+Section midiDevices()
+{
+    Section section{"midi", "MIDI devices", Section::eMany, {}};
+    auto* const devices = dynamic_cast<iMIDIDeviceInfo*>(OS()->midi());
+    if (!devices)
+        return section;
+    const std::string services = devices->getServices().c_str();
+    MIDIDeviceInfo info;
+    for (const bool input : {true, false})
+        for (unsigned int i = 0;
+             input ? devices->getInputDevInfo(i, info) : devices->getOutputDevInfo(i, info); ++i)
+            section.items.push_back(
+                {{"name", "Name", utf8(info.name_)},
+                 {"direction", "Direction", std::string(input ? "input" : "output")},
+                 {"manufacturer", "Manufacturer", utf8(info.manufacturer_)},
+                 {"virtual", "Virtual", info.isVirtual_},
+                 {"services", "By", services}});
+    OS()->midi()->deinitialise();
+    return section;
+}
+
 Section folders()
 {
     static constexpr struct
@@ -179,8 +202,8 @@ Section messages(const std::vector<std::string>& lines)
 
 // In this order: graphics start the application object, without which there are no monitors, and
 // GL, without which compute shares nothing.
-constexpr Section (*kSubjects[])() = {versions, processors,     memory, graphics,
-                                      monitors, computeDevices, folders};
+constexpr Section (*kSubjects[])() = {versions, processors,     memory,      graphics,
+                                      monitors, computeDevices, midiDevices, folders};
 
 } // namespace
 

@@ -162,6 +162,43 @@ struct SerialPorts
     SerialMonitor monitor;
 };
 
+struct MidiDevice
+{
+    Text name;
+    Text maker; ///< empty when not known
+    bool isVirtual = false;
+};
+
+/// One that came: a short one by its bytes, or a piece of a long one.
+struct MidiMessage
+{
+    std::uint32_t word = 0;     ///< of a short one, its first byte lowest
+    std::uint32_t longSize = 0; ///< 0: a short one
+};
+
+/// The input whose messages are shown.
+struct MidiMonitor
+{
+    static constexpr std::size_t kKept = 4;
+
+    Text name; ///< empty: none
+    bool open = false;
+    bool gone = false; ///< it was open, and is not there any more
+    std::uint64_t received = 0;
+    std::vector<MidiMessage> latest; ///< the last kKept
+
+    /// Adds `count` messages, of which only the last need be given.
+    void add(std::uint64_t count, const std::vector<MidiMessage>& last);
+};
+
+struct MidiDevices
+{
+    Text services; ///< that the library uses, such as "ALSA"; "none" without any
+    std::vector<MidiDevice> inputs;
+    std::vector<MidiDevice> outputs;
+    MidiMonitor monitor;
+};
+
 /// What may take its time: volumes that do not answer are asked on another thread.
 struct Volumes
 {
@@ -179,6 +216,7 @@ struct BoardData
     std::vector<SettingsStore> settings;
     SystemFacts system;
     SerialPorts serial;
+    MidiDevices midi;
     int readings = 0;
 };
 

@@ -5,6 +5,8 @@
 #include <OS.h>
 #include <OS/Core/iUtils.h>
 #include <OS/Devices/iHardwareManager.h>
+#include <OS/Devices/iMIDI.h>
+#include <OS/Devices/iMIDIDeviceInfo.h>
 #include <OS/Devices/iSerialPortDetails.h>
 #include <OS/Files/iFileManager.h>
 #include <OS/Files/iMountManager.h>
@@ -210,6 +212,21 @@ SystemFacts gatherSystem()
 Volumes gatherVolumes(const std::vector<Folder>& before)
 {
     return {gatherDrives(), gatherNetwork(), gatherFolders(before)};
+}
+
+void gatherMidi(MidiDevices& midi)
+{
+    midi.inputs.clear();
+    midi.outputs.clear();
+    auto* const devices = dynamic_cast<iMIDIDeviceInfo*>(OS()->midi());
+    if (!devices)
+        return;
+    midi.services = OS()->utils()->fromUTF8(devices->getServices().c_str(), -1);
+    MIDIDeviceInfo info;
+    for (unsigned int i = 0; devices->getInputDevInfo(i, info); ++i)
+        midi.inputs.push_back({info.name_, info.manufacturer_, info.isVirtual_});
+    for (unsigned int i = 0; devices->getOutputDevInfo(i, info); ++i)
+        midi.outputs.push_back({info.name_, info.manufacturer_, info.isVirtual_});
 }
 
 void gatherSerialPorts(SerialPorts& serial)

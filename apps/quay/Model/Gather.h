@@ -32,6 +32,9 @@ SystemFacts gatherSystem();
 /// The ports that are there now; what is watched stays as it was. From any thread.
 void gatherSerialPorts(SerialPorts& serial);
 
+/// The devices that are there now; what is watched stays as it was. From any thread.
+void gatherMidi(MidiDevices& midi);
+
 /// From any thread; may wait for volumes that do not answer.
 ///
 /// @param before what was found last: whether a folder is writable, which is tried with a file, is

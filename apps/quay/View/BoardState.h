@@ -64,6 +64,7 @@ struct BoardState
     bool quitting = false;
     Text folderToOpen;     ///< asked for; the board opens and clears it
     Text portToWatch;      ///< asked for, likewise
+    Text midiToWatch;      ///< asked for, likewise
     bool readAnew = false; ///< asked for
 
     /// Makes the panels anew after a change of data or preferences.

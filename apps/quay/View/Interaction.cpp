@@ -113,6 +113,9 @@ void Interaction::act(const Action& action)
     case Action::Kind::eWatchPort:
         state_.portToWatch = action.path;
         break;
+    case Action::Kind::eWatchMidi:
+        state_.midiToWatch = action.path;
+        break;
     case Action::Kind::eSetSpeed:
         state_.preferences.serialSpeed = action.value;
         break;

@@ -32,6 +32,7 @@ struct Action
         eSetUnits,   ///< `value` of Units
         eSetRefresh, ///< `value` in milliseconds
         eWatchPort,  ///< `path`; the one that is watched is let go
+        eWatchMidi,  ///< the input named `path`; the one that is watched is let go
         eSetSpeed    ///< `value` in bits a second
     };
     Kind kind = Kind::eNone;

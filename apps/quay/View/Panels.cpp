@@ -298,7 +298,8 @@ std::vector<Panel> makePanels(const BoardData& data, const Preferences& preferen
                               foldersPanel(data.volumes.folders),
                               settingsPanel(data.settings, preferences),
                               systemPanel(data.system),
-                              serialPanel(data.serial, preferences)};
+                              serialPanel(data.serial, preferences),
+                              midiPanel(data.midi)};
     const std::vector<Text>& order = preferences.order;
     std::stable_sort(panels.begin(), panels.end(), [&](const Panel& a, const Panel& b) {
         return std::find(order.begin(), order.end(), a.key) <

@@ -19,6 +19,7 @@ Panel networkPanel(const Network& network);
 Panel foldersPanel(const std::vector<Folder>& folders);
 Panel settingsPanel(const std::vector<SettingsStore>& stores, const Preferences& preferences);
 Panel systemPanel(const SystemFacts& system);
+Panel midiPanel(const MidiDevices& midi);
 Panel serialPanel(const SerialPorts& serial, const Preferences& preferences);
 
 /// Moves a panel to the place of another one. @return the keys in their new order

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <sys/mman.h>
+#include <sys/socket.h>
 #include <unistd.h>
 #include <xcb/shm.h>
 #include <xcb/xcb.h>
@@ -20,6 +21,16 @@ struct Free
 
 template <class T>
 using Reply = std::unique_ptr<T, Free>;
+
+// Whether the server is on this computer: what it is sent may be a descriptor then.
+bool isLocal(xcb_connection_t* connection)
+{
+    sockaddr_storage address = {};
+    socklen_t length = sizeof address;
+    return getsockname(xcb_get_file_descriptor(connection), reinterpret_cast<sockaddr*>(&address),
+                       &length) == 0 &&
+           address.ss_family == AF_UNIX;
+}
 
 // Whether the root window's pixels are words of red, green and blue bytes as ours.
 bool hasOurPixels(const xcb_setup_t* setup, const xcb_screen_t* screen)
@@ -53,7 +64,7 @@ public:
     /// Whether pictures can be had from this server.
     bool usable()
     {
-        if (broken())
+        if (broken() || !isLocal(handle_))
             return false;
         const xcb_setup_t* setup = xcb_get_setup(handle_);
         auto screens = xcb_setup_roots_iterator(setup);

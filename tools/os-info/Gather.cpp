@@ -3,14 +3,17 @@
 #include "PrintedLines.h"
 
 #include <OS.h>
+#include <OS/Devices/iHardwareManager.h>
 #include <OS/Devices/iMIDI.h>
 #include <OS/Devices/iMIDIDeviceInfo.h>
+#include <OS/Devices/iSerialPortDetails.h>
 #include <OS/Files/iFileManager.h>
 #include <OS/Files/iShell.h>
 #include <OS/Media/iMediaServices.h>
 #include <OS/System/iSystemInfo.h>
 #include <OS/Windowing/iWindowManager.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <sys/utsname.h>
 
@@ -163,6 +166,30 @@ Section midiDevices()
     return section;
 }
 
+// As others write it: "0403"; empty where there is none.
+std::string usbNumber(std::uint16_t number)
+{
+    char text[8];
+    std::snprintf(text, sizeof text, "%04x", static_cast<unsigned int>(number));
+    return number == 0 ? "" : text;
+}
+
+// Without serial numbers: reports are pasted in public.
+Section serialPorts()
+{
+    Section section{"serialPorts", "Serial ports", Section::eMany, {}};
+    std::vector<iSerialPortDetails::Details> ports;
+    if (const auto* known = dynamic_cast<iSerialPortDetails*>(OS()->hardwareMgr()))
+        known->getSerialPorts(ports);
+    for (const iSerialPortDetails::Details& port : ports)
+        section.items.push_back({{"path", "Path", utf8(port.path_)},
+                                 {"product", "USB product", utf8(port.product_)},
+                                 {"manufacturer", "Manufacturer", utf8(port.manufacturer_)},
+                                 {"vendorId", "Vendor", usbNumber(port.vendorID_)},
+                                 {"productId", "Product", usbNumber(port.productID_)}});
+    return section;
+}
+
 Section folders()
 {
     static constexpr struct
@@ -202,8 +229,8 @@ Section messages(const std::vector<std::string>& lines)
 
 // In this order: graphics start the application object, without which there are no monitors, and
 // GL, without which compute shares nothing.
-constexpr Section (*kSubjects[])() = {versions, processors,     memory,      graphics,
-                                      monitors, computeDevices, midiDevices, folders};
+constexpr Section (*kSubjects[])() = {versions,       processors,  memory,      graphics, monitors,
+                                      computeDevices, midiDevices, serialPorts, folders};
 
 } // namespace
 

@@ -4,7 +4,6 @@
 #include <atomic>
 #include <bit>
 #include <cstdint>
-#include <cstring>
 #include <memory>
 
 namespace OSInternal {
@@ -60,14 +59,14 @@ private:
     void copyIn(std::size_t at, const unsigned char* from, std::size_t count)
     {
         const std::size_t first = std::min(count, mask_ + 1 - (at & mask_));
-        std::memcpy(bytes_.get() + (at & mask_), from, first);
-        std::memcpy(bytes_.get(), from + first, count - first);
+        std::copy_n(from, first, bytes_.get() + (at & mask_));
+        std::copy_n(from + first, count - first, bytes_.get());
     }
     void copyOut(std::size_t at, unsigned char* to, std::size_t count) const
     {
         const std::size_t first = std::min(count, mask_ + 1 - (at & mask_));
-        std::memcpy(to, bytes_.get() + (at & mask_), first);
-        std::memcpy(to + first, bytes_.get(), count - first);
+        std::copy_n(bytes_.get() + (at & mask_), first, to);
+        std::copy_n(bytes_.get(), count - first, to + first);
     }
 
     const std::size_t mask_;

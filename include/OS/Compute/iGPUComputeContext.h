@@ -25,7 +25,8 @@ public:
     /// many
     virtual Tq::Ptr<iGPUBuffer> createBuffer(unsigned int sizeBytes) = 0;
     /// The memory of an image on the GPU: kernels read and write the image itself. Made once for
-    /// each image; it lives as long as the image's texture. Under the GL lock, which it takes.
+    /// each image; it lives as long as the image's texture, which keeps the buffer of the context
+    /// that asked last. Takes the GL lock.
     /// @return null for what is no image of this library and where the context does not share with
     ///         GL, and after "OpenGLInterop::createBuffer() : clCreateFromGLTexture2D() failed
     ///         (%d)\n": a driver may refuse a format

@@ -45,7 +45,7 @@ cl_int CL_API_CALL getDeviceIDs(cl_platform_id platform, cl_device_type type, cl
 {
     std::vector<cl_device_id> found;
     for (cl_device_id device : processors(platform)) {
-        const auto own = dressOf(device).gpu ? CL_DEVICE_TYPE_GPU : CL_DEVICE_TYPE_CPU;
+        const cl_device_type own = dressOf(device).gpu ? CL_DEVICE_TYPE_GPU : CL_DEVICE_TYPE_CPU;
         if (type & (own | CL_DEVICE_TYPE_DEFAULT))
             found.push_back(device);
     }

@@ -123,6 +123,12 @@ TEST(HostileInput, HoldsMuch)
         labels += "case " + n + ": break;";
     }
     std::string listing;
+    std::string locals, lines;
+    for (int i = 0; i < 20'000; ++i) {
+        locals += "const int v" + std::to_string(i) + " = " + std::to_string(i) + ";";
+        lines += "#line 1 \"f" + std::to_string(i) + "\"\n";
+    }
+    EXPECT_TRUE(survives("void f() {" + locals + "}\n" + lines, &listing)) << listing;
     EXPECT_TRUE(survives(parameters, &listing)) << listing;
     survives(functions + "float4 main() : COLOR { return f10000(1); } technique { pass { "
                          "PixelShader = compile glslf main(); } }");

@@ -9,6 +9,8 @@
 namespace EffectCompiler {
 namespace {
 
+constexpr std::size_t kMostParameters = 255;
+
 /// The same for the same file, whatever way it was reached.
 std::string identityOf(const std::string& path)
 {
@@ -151,6 +153,10 @@ void Preprocessor::readDefine(const Token& directive)
     if (!line.empty() && line[0].is("(") && !line[0].spaceBefore && !readParameters(line, *macro)) {
         messages_.error(directive.place,
                         "the parameters of macro " + inQuotes(name) + " do not end");
+        return;
+    }
+    if (macro->parameters.size() > kMostParameters) {
+        messages_.error(directive.place, "macro " + inQuotes(name) + " has too many parameters");
         return;
     }
     macro->body = std::move(line);

@@ -28,13 +28,11 @@ std::string printable(const std::string& text)
 
 std::uint16_t Messages::addFile(const std::string& name)
 {
-    const auto found = std::find(files_.begin(), files_.end(), name);
-    if (found != files_.end())
-        return static_cast<std::uint16_t>(found - files_.begin());
-    if (files_.size() > UINT16_MAX)
-        return UINT16_MAX;
-    files_.push_back(name);
-    return static_cast<std::uint16_t>(files_.size() - 1);
+    const auto next = static_cast<std::uint16_t>(std::min<std::size_t>(files_.size(), UINT16_MAX));
+    const auto [known, isNew] = fileIndices_.try_emplace(name, next);
+    if (isNew && files_.size() <= UINT16_MAX)
+        files_.push_back(name);
+    return known->second;
 }
 
 void Messages::error(SourcePlace place, const std::string& text)

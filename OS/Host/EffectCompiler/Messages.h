@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace EffectCompiler {
@@ -22,7 +23,7 @@ class Messages
 public:
     static constexpr std::size_t kMost = 100;
 
-    /// @return its index, the same for the same name
+    /// @return its index, the same for the same name, and for all beyond 65,535
     std::uint16_t addFile(const std::string& name);
     const std::vector<std::string>& files() const { return files_; }
 
@@ -48,6 +49,7 @@ private:
     void add(SourcePlace place, bool isError, const std::string& text);
 
     std::vector<std::string> files_;
+    std::unordered_map<std::string, std::uint16_t> fileIndices_;
     std::vector<Line> lines_;
     std::size_t errors_ = 0;
     std::size_t warnings_ = 0;

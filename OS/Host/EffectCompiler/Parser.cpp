@@ -17,14 +17,7 @@ Parser::Nesting::Nesting(Parser& parser) : parser_(parser)
 
 Parser::Parser(std::vector<Token> tokens, SyntaxTree& tree, Messages& messages)
     : tokens_(std::move(tokens)), tree_(tree), messages_(messages),
-      evaluator_([this](std::string_view name) -> const Variable* {
-          const auto local = std::find_if(locals_.rbegin(), locals_.rend(),
-                                          [&](const Variable* each) { return each->name == name; });
-          if (local != locals_.rend())
-              return *local;
-          const auto global = globals_.find(std::string(name));
-          return global == globals_.end() ? nullptr : global->second;
-      })
+      evaluator_([this](std::string_view name) { return find(name); })
 {
     if (tokens_.empty())
         tokens_.emplace_back();
@@ -38,7 +31,7 @@ void Parser::run()
             try {
                 parseTopLevel();
             } catch (const Fault&) {
-                locals_.clear();
+                leaveScope(0);
                 openRecords_.clear();
                 recover(start);
                 accept("}");

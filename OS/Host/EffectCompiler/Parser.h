@@ -75,18 +75,7 @@ private:
     void parseTopLevel();
     bool isTechniqueAhead() const;
     Qualifiers parseQualifiers();
-    Type parseType();
-    std::optional<Type> typeNamed(const Token& token) const;
-    bool isTypeAhead() const;
     bool isDeclarationAhead() const;
-    Type parseTemplateType(bool isMatrix);
-    Type parseRecordType();
-    Record* startRecord(bool isInterface);
-    void parseMember(Record& record);
-    void addField(Record& record, Field field);
-    void parseTypedef();
-    std::vector<int> parseDimensions();
-    void addDimensions(Type& type, const std::vector<int>& outer, SourcePlace place);
     std::string parseSemantics();
     void parseDeclarators(const Qualifiers& qualifiers, const Type& type,
                           std::vector<Variable*>& variables, bool isGlobal);
@@ -96,6 +85,23 @@ private:
                             const Record* owner);
     Variable* parseParameter();
     void declare(Variable& variable);
+    void enterLocal(const Variable& variable);
+    /// Forgets the locals behind the first ones.
+    void leaveScope(std::size_t locals);
+    const Variable* find(std::string_view name) const;
+
+    // Types: ParserTypes.cpp
+    Type parseType();
+    std::optional<Type> typeNamed(const Token& token) const;
+    bool isTypeAhead() const;
+    Type parseTemplateType(bool isMatrix);
+    Type parseRecordType();
+    Record* startRecord(bool isInterface);
+    void parseMember(Record& record);
+    void addField(Record& record, Field field);
+    void parseTypedef();
+    std::vector<int> parseDimensions();
+    void addDimensions(Type& type, const std::vector<int>& outer, SourcePlace place);
 
     // Effects: ParserEffects.cpp
     std::vector<Annotation> parseAnnotations();
@@ -137,8 +143,9 @@ private:
     Messages& messages_;
     ConstantEvaluator evaluator_;
     std::unordered_map<std::string, Type> types_; ///< structs and typedefs
-    std::unordered_map<std::string, const Variable*> globals_;
+    std::unordered_map<std::string_view, const Variable*> globals_;
     std::vector<const Variable*> locals_; ///< in scope, the innermost last
+    std::unordered_map<std::string_view, std::vector<const Variable*>> localsByName_; ///< likewise
     std::vector<const Record*> openRecords_;
     int nesting_ = 0;
 };

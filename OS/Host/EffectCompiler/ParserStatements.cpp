@@ -28,7 +28,7 @@ Statement* Parser::parseBlock()
         }
     }
     take();
-    locals_.resize(scope);
+    leaveScope(scope);
     return block;
 }
 
@@ -139,7 +139,7 @@ Statement* Parser::parseFor()
         statement->step = parseExpression();
     expect(")");
     statement->body = parseStatement();
-    locals_.resize(scope);
+    leaveScope(scope);
     return statement;
 }
 

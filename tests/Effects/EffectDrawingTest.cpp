@@ -16,6 +16,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <initializer_list>
 
 namespace {
 
@@ -479,26 +480,26 @@ TEST_F(EffectDrawing, GLsStateIsAsItWas)
                ""}});
     const auto snapshot = [] {
         std::vector<GLint> all;
-        for (const GLenum name : {GL_CURRENT_PROGRAM,
-                                  GL_ARRAY_BUFFER_BINDING,
-                                  GL_ACTIVE_TEXTURE,
-                                  GL_CLIENT_ACTIVE_TEXTURE,
-                                  GL_TEXTURE_BINDING_2D,
-                                  GL_TEXTURE_BINDING_3D,
-                                  GL_SAMPLER_BINDING,
-                                  GL_BLEND,
-                                  GL_BLEND_SRC_RGB,
-                                  GL_BLEND_DST_ALPHA,
-                                  GL_DEPTH_TEST,
-                                  GL_SCISSOR_TEST,
-                                  GL_MATRIX_MODE,
-                                  GL_MODELVIEW_STACK_DEPTH,
-                                  GL_ATTRIB_STACK_DEPTH,
-                                  GL_CLIENT_ATTRIB_STACK_DEPTH,
-                                  GL_VERTEX_ARRAY,
-                                  GL_TEXTURE_COORD_ARRAY,
-                                  GL_DRAW_FRAMEBUFFER_BINDING,
-                                  GL_READ_FRAMEBUFFER_BINDING}) {
+        for (const GLenum name : std::initializer_list<GLenum>{GL_CURRENT_PROGRAM,
+                                                               GL_ARRAY_BUFFER_BINDING,
+                                                               GL_ACTIVE_TEXTURE,
+                                                               GL_CLIENT_ACTIVE_TEXTURE,
+                                                               GL_TEXTURE_BINDING_2D,
+                                                               GL_TEXTURE_BINDING_3D,
+                                                               GL_SAMPLER_BINDING,
+                                                               GL_BLEND,
+                                                               GL_BLEND_SRC_RGB,
+                                                               GL_BLEND_DST_ALPHA,
+                                                               GL_DEPTH_TEST,
+                                                               GL_SCISSOR_TEST,
+                                                               GL_MATRIX_MODE,
+                                                               GL_MODELVIEW_STACK_DEPTH,
+                                                               GL_ATTRIB_STACK_DEPTH,
+                                                               GL_CLIENT_ATTRIB_STACK_DEPTH,
+                                                               GL_VERTEX_ARRAY,
+                                                               GL_TEXTURE_COORD_ARRAY,
+                                                               GL_DRAW_FRAMEBUFFER_BINDING,
+                                                               GL_READ_FRAMEBUFFER_BINDING}) {
             GLint value = -1;
             glGetIntegerv(name, &value);
             all.push_back(value);

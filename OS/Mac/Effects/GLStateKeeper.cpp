@@ -1,6 +1,10 @@
 #include "OS/Mac/Effects/GLStateKeeper.h"
 
-#include <initializer_list>
+namespace {
+
+constexpr GLenum kMatrices[] = {GL_PROJECTION, GL_MODELVIEW};
+
+} // namespace
 
 GLStateKeeper::GLStateKeeper()
 {
@@ -10,7 +14,7 @@ GLStateKeeper::GLStateKeeper()
     glPushAttrib(kAttributes);
     glPushClientAttrib(GL_CLIENT_VERTEX_ARRAY_BIT);
     glBindBuffer(GL_ARRAY_BUFFER, 0);
-    for (const GLenum matrix : {GL_PROJECTION, GL_MODELVIEW}) {
+    for (const GLenum matrix : kMatrices) {
         glMatrixMode(matrix);
         glPushMatrix();
         glLoadIdentity();
@@ -20,7 +24,7 @@ GLStateKeeper::GLStateKeeper()
 
 GLStateKeeper::~GLStateKeeper()
 {
-    for (const GLenum matrix : {GL_PROJECTION, GL_MODELVIEW}) {
+    for (const GLenum matrix : kMatrices) {
         glMatrixMode(matrix);
         glPopMatrix();
     }

@@ -117,7 +117,7 @@ ReadablePicture readablePicture(const iImageBase* image, const ImageDescriptionE
     const bool isAll = around.left <= 0 && around.top <= 0 && around.right >= measure.size.x &&
                        around.bottom >= measure.size.y;
     ReadablePicture picture = isAll ? wholePicture(image, measure.size, output) : ReadablePicture();
-    Tq::Rectangle<int> held(0, 0, measure.size.x, measure.size.y);
+    Tq::Rectangle<int> held{0, 0, measure.size.x, measure.size.y};
     if (picture.texture == 0) {
         held = isAll ? held : around;
         picture = copyPart(image, held, scale);

@@ -89,6 +89,7 @@ TEST(Checker, FindsTypesThatDoNotFit)
         {"float f(float x) { return x[0]; }", "1) : error : 'float' has no elements"},
         {"float f(float x[2]) { return x[2]; }", "1) : error : index 2 is outside of 'float[2]'"},
         {"float f(float3 v) { return v[3]; }", "1) : error : index 3 is outside of 'float3'"},
+        {"float f(float3 v) { return v[1 - 2]; }", "1) : error : index -1 is outside of 'float3'"},
         {"float f(float2 v) { return v[v]; }",
          "1) : error : an index must be one number, not 'float2'"},
         {"struct A { float x; }; A f(float4 v) { return (A)v; }",

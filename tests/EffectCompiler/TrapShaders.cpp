@@ -35,6 +35,15 @@ struct S { float a, b; };
 void f(out S s, bool set) { if (set) s.a = 9; s.b = .25; }
 float4 main() : COLOR { S s; f(s, false); return float4(s.a, s.b, 0, 1); }
 )"},
+    {"OutComesAfterCallsInLaterArguments", {0.5F, 0.25F, 0.75F, 1}, R"(
+int one(int i) { return i; }
+float f(inout int v, float b) { v = 2; return b; }
+float4 main() : COLOR { float x = 0; int j = 1; float r = f(x, .25 * one(j++) + x); return float4(x / 4, r, (j + one(1)) * .25, 1); }
+)"},
+    {"ArgumentWithEffectsBeforeTheNext", {0.5F, 0.75F, 0, 1}, R"(
+int add(int a, inout int v) { v += a; return v; }
+float4 main() : COLOR { float a[3] = {0, 0, 2}; int i = 1; int r = add(i -= 1, a[i + 2]); r += add(++i, a[i]); return float4(a[2] * .25, r * .25, a[0], 1); }
+)"},
     {"OutOfACallInACall", {0.75F, 0.5F, 0, 1}, R"(
 float f(inout int i) { i += 1; return i; }
 float4 main() : COLOR { float x = 0; float y = f(x) + f(x); return float4(y / 4, x / 4, 0, 1); }

@@ -34,8 +34,9 @@ GlslValue FunctionWriter::assignValue(const Expression& expression)
     if (expression.text != "=")
         return compoundValue(expression);
     const Expression& right = *expression.operands[1];
+    const bool hasEffects = right.hasEffects || expression.operands[0]->hasEffects;
     const Target left =
-        target(*expression.operands[0], right.hasEffects ? Use::eBeforeEffects : Use::eOnce);
+        target(*expression.operands[0], hasEffects ? Use::eBeforeEffects : Use::eOnce);
     const GlslValue assigned = value(right);
     if (left.parts.empty())
         return {left.text + " = " + alone(assigned), Binding::eAssign, false};
@@ -49,15 +50,16 @@ GlslValue FunctionWriter::compoundValue(const Expression& expression)
 {
     const std::string sign = expression.text.substr(0, expression.text.size() - 1);
     const Expression& right = *expression.operands[1];
+    const bool hasEffects = right.hasEffects || expression.operands[0]->hasEffects;
     const Type& common = right.type;
     const bool mayBeScalar = sign == "+" || sign == "-" || sign == "*" || sign == "/";
     const Expression* scalar = mayBeScalar ? scalarOf(right) : nullptr;
     const bool isProductOfMatrices = sign == "*" && isGlslMatrix(common) && !scalar;
     const bool isNative = !right.hasEffects && common == expression.operands[0]->type &&
                           sign != "%" && !isProductOfMatrices;
-    const Target left = target(*expression.operands[0], right.hasEffects ? Use::eBeforeEffects
-                                                        : isNative       ? Use::eOnce
-                                                                         : Use::eRepeated);
+    const Target left = target(*expression.operands[0], hasEffects ? Use::eBeforeEffects
+                                                        : isNative ? Use::eOnce
+                                                                   : Use::eRepeated);
     GlslValue old = read(left, expression.place);
     if (right.hasEffects)
         old = keep(old, left.type, expression.place);

@@ -24,12 +24,12 @@ bool isDynamicComponent(const Expression& expression)
 }
 
 /// "@name(" and "$1" of a table's row.
-std::string filledIn(std::string_view form, const std::vector<std::string>& arguments)
+std::string filledIn(std::string_view form, const std::vector<GlslValue>& arguments)
 {
     std::string text;
     for (std::size_t i = 0; i < form.size(); ++i) {
         if (form[i] == '$')
-            text += arguments[static_cast<std::size_t>(form[++i] - '1')];
+            text += arguments[static_cast<std::size_t>(form[++i] - '1')].text;
         else
             text += form[i];
     }
@@ -47,6 +47,15 @@ bool haveEffects(const std::vector<Expression*>& operands, std::size_t first)
 
 GlslValue FunctionWriter::callValue(const Expression& expression)
 {
+    // What a call around this one gives out waits until that one has been made.
+    Lines outer = std::exchange(post_, {});
+    GlslValue result = callOf(expression);
+    post_ = std::move(outer);
+    return result;
+}
+
+GlslValue FunctionWriter::callOf(const Expression& expression)
+{
     if (expression.function) {
         StageWriter::Instance& called = calledInstance(expression);
         if (instance_)
@@ -57,15 +66,12 @@ GlslValue FunctionWriter::callValue(const Expression& expression)
         std::string text;
         if (isMethod)
             text = selfArgument(*operands[0], function.self->isWritten,
-                                haveEffects(operands, 1) ? Use::eBeforeEffects : Use::eOnce);
-        const std::size_t first = isMethod ? 1 : 0;
-        for (std::size_t i = first; i < operands.size(); ++i) {
-            const Variable& parameter = *function.parameters[i - first];
-            const bool mayChange = haveEffects(operands, i + 1);
-            const std::string each =
-                argument(*operands[i], parameter.type, parameter.direction, mayChange);
-            text += (text.empty() ? "" : ", ") + each;
-        }
+                                haveEffects(operands, 0) ? Use::eBeforeEffects : Use::eOnce);
+        std::vector<Passed> parameters;
+        for (const Variable* parameter : function.parameters)
+            parameters.push_back({parameter->type, parameter->direction});
+        for (const GlslValue& each : arguments(operands, isMethod ? 1 : 0, parameters))
+            text += (text.empty() ? "" : ", ") + each.text;
         return completeCall(expression, called.name + "(" + text + ")");
     }
     if (expression.text == "mul" && !expression.intrinsic)
@@ -128,9 +134,29 @@ std::string FunctionWriter::selfArgument(const Expression& object, bool isWritte
     return target(object, use).text;
 }
 
+/// The arguments of a call, from left to right, each as it stands in its parentheses.
+std::vector<GlslValue> FunctionWriter::arguments(const std::vector<Expression*>& operands,
+                                                 std::size_t first,
+                                                 const std::vector<Passed>& parameters)
+{
+    std::vector<GlslValue> values;
+    for (std::size_t i = first; i < operands.size(); ++i) {
+        std::size_t mark = pre_.size();
+        const Passed& parameter = parameters[i - first];
+        GlslValue each = argument(*operands[i], parameter.type, parameter.direction,
+                                  haveEffects(operands, i + 1));
+        for (std::size_t earlier = first; earlier < i; ++earlier) {
+            if (parameters[earlier - first].direction == Direction::eIn)
+                keepBefore(mark, values[earlier - first], *operands[earlier]);
+        }
+        values.push_back(std::move(each));
+    }
+    return values;
+}
+
 /// @param mayChange whether a later argument has effects
-std::string FunctionWriter::argument(const Expression& expression, const Type& parameter,
-                                     Direction direction, bool mayChange)
+GlslValue FunctionWriter::argument(const Expression& expression, const Type& parameter,
+                                   Direction direction, bool mayChange)
 {
     const SourcePlace place = expression.place;
     if (direction == Direction::eIn) {
@@ -139,16 +165,16 @@ std::string FunctionWriter::argument(const Expression& expression, const Type& p
                             expression.type.scalar != Type::Scalar::eSampler;
         if (isKept)
             in = keep(in, expression.type, place);
-        return alone(in);
+        return {alone(in), Binding::eAssign, in.isStable};
     }
     const bool isInterface = parameter.record && parameter.record->isInterface;
     const bool isSame = expression.type == parameter || isInterface;
-    const Target given = target(expression, mayChange ? Use::eBeforeEffects
-                                            : isSame  ? Use::eOnce
-                                                      : Use::eRepeated);
+    const Target given = target(expression, mayChange || expression.hasEffects ? Use::eBeforeEffects
+                                            : isSame                           ? Use::eOnce
+                                                                               : Use::eRepeated);
     // A scalar's ".x" is the scalar, but its ".xx" is no lvalue; nor are a matrix's elements.
     if (isSame && given.parts.empty() && !isDynamicComponent(expression))
-        return given.text;
+        return {given.text, Binding::ePrimary, true};
     const bool isRead = direction == Direction::eInOut;
     const GlslValue start = isRead ? convert(read(given, place), expression.type, parameter, place)
                                    : zero(parameter, place);
@@ -163,7 +189,7 @@ std::string FunctionWriter::argument(const Expression& expression, const Type& p
         assign(given, back.text, place);
     for (const Line& each : std::exchange(pre_, std::move(kept)))
         post_.push_back(each);
-    return name;
+    return {name, Binding::ePrimary, true};
 }
 
 GlslValue FunctionWriter::intrinsicValue(const Expression& expression)
@@ -188,20 +214,19 @@ GlslValue FunctionWriter::intrinsicValue(const Expression& expression)
     for (const Expression* operand : expression.operands)
         types.push_back(operand->type);
     const auto call = matchIntrinsic(intrinsic, types);
-    std::vector<std::string> arguments;
-    for (std::size_t i = 0; i < types.size(); ++i) {
-        const bool mayChange = haveEffects(expression.operands, i + 1);
-        arguments.push_back(argument(*expression.operands[i], call->parameters[i],
-                                     call->isOut[i] ? Direction::eOut : Direction::eIn, mayChange));
-    }
+    std::vector<Passed> parameters;
+    for (std::size_t i = 0; i < types.size(); ++i)
+        parameters.push_back(
+            {call->parameters[i], call->isOut[i] ? Direction::eOut : Direction::eIn});
+    const auto passed = arguments(expression.operands, 0, parameters);
     if (form[0] == '@') {
         const std::size_t open = form.find('(');
         const std::string type =
             isNumeric(types[0]) ? stage_.typeName(call->parameters[0], expression.place) : "";
         const std::string name = stage_.helper(form.substr(1, open - 1), type);
-        return completeCall(expression, name + filledIn(form.substr(open), arguments));
+        return completeCall(expression, name + filledIn(form.substr(open), passed));
     }
-    return completeCall(expression, filledIn(form, arguments));
+    return completeCall(expression, filledIn(form, passed));
 }
 
 /// Rows of the effect are columns of GLSL, so factors change sides: M v is "v * M".

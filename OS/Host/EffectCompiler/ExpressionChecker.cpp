@@ -1,5 +1,6 @@
 #include "OS/Host/EffectCompiler/ExpressionChecker.h"
 
+#include "OS/Host/EffectCompiler/ConstantEvaluator.h"
 #include "OS/Host/EffectCompiler/Types.h"
 
 #include <algorithm>
@@ -348,10 +349,12 @@ void ExpressionChecker::checkIndex(Expression& expression)
     const int count = isArray(object.type)    ? object.type.dims[0]
                       : isMatrix(object.type) ? object.type.rows
                                               : object.type.columns;
-    const bool isConstant = index->kind == Kind::eNumber;
-    if (isConstant && (index->value < 0 || index->value >= count))
-        return fail(expression, "index " + std::to_string(static_cast<long long>(index->value)) +
-                                    " is outside of " + typeText(object.type));
+    const auto number = ConstantEvaluator([](std::string_view) {
+                            return nullptr;
+                        }).evaluateInt(*index); // of literals
+    if (number && (*number < 0 || *number >= count))
+        return fail(expression,
+                    "index " + std::to_string(*number) + " is outside of " + typeText(object.type));
     expression.type = element;
     expression.isLvalue = object.isLvalue;
 }

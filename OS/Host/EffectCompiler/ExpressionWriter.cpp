@@ -135,7 +135,10 @@ std::vector<GlslValue> FunctionWriter::operandValues(const std::vector<const Exp
 {
     std::vector<GlslValue> values;
     for (std::size_t i = 0; i < operands.size(); ++i) {
+        std::size_t mark = pre_.size();
         GlslValue each = value(*operands[i]);
+        for (std::size_t earlier = 0; earlier < i; ++earlier)
+            keepBefore(mark, values[earlier], *operands[earlier]);
         const bool mayChange =
             std::any_of(operands.begin() + static_cast<std::ptrdiff_t>(i) + 1, operands.end(),
                         [](const Expression* later) { return later->hasEffects; });
@@ -145,6 +148,19 @@ std::vector<GlslValue> FunctionWriter::operandValues(const std::vector<const Exp
         values.push_back(std::move(each));
     }
     return values;
+}
+
+/// Where statements came in for a later operand, an earlier one with effects must run before them.
+/// @param mark where they begin
+void FunctionWriter::keepBefore(std::size_t& mark, GlslValue& value, const Expression& operand)
+{
+    if (pre_.size() == mark || value.isStable || !operand.hasEffects || !mayHaveStatements_)
+        return;
+    const std::string name = stage_.names().local("tmp");
+    const std::string text =
+        stage_.declaration(operand.type, name, operand.place) + " = " + alone(value) + ";";
+    pre_.insert(pre_.begin() + static_cast<std::ptrdiff_t>(mark++), {0, text});
+    value = {name, Binding::ePrimary, true};
 }
 
 GlslValue FunctionWriter::nameValue(const Expression& expression)

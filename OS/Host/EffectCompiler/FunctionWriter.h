@@ -51,6 +51,13 @@ private:
         Type type;
     };
 
+    /// What a call wants of an argument.
+    struct Passed
+    {
+        Type type;
+        Variable::Direction direction;
+    };
+
     /// How often the text of a target will stand there.
     enum class Use
     {
@@ -99,6 +106,7 @@ private:
     /// The operand itself where a cast only makes a scalar a vector, which GLSL's operators do.
     const Expression* scalarOf(const Expression& expression) const;
     std::vector<GlslValue> operandValues(const std::vector<const Expression*>& operands);
+    void keepBefore(std::size_t& mark, GlslValue& value, const Expression& operand);
 
     // What is indexed and assigned to: TargetWriter.cpp.
     Target target(const Expression& expression, Use use);
@@ -119,11 +127,14 @@ private:
 
     // Calls: CallWriter.cpp.
     GlslValue callValue(const Expression& expression);
+    GlslValue callOf(const Expression& expression);
     GlslValue intrinsicValue(const Expression& expression);
     GlslValue mulValue(const Expression& expression);
     GlslValue transposeValue(const Expression& expression);
-    std::string argument(const Expression& expression, const Type& parameter,
-                         Variable::Direction direction, bool mayChange);
+    std::vector<GlslValue> arguments(const std::vector<Expression*>& operands, std::size_t first,
+                                     const std::vector<Passed>& parameters);
+    GlslValue argument(const Expression& expression, const Type& parameter,
+                       Variable::Direction direction, bool mayChange);
     std::string selfArgument(const Expression& object, bool isWritten, Use use);
     StageWriter::Instance& calledInstance(const Expression& expression);
     GlslValue completeCall(const Expression& expression, const std::string& text);

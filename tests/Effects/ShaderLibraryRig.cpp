@@ -98,18 +98,22 @@ QImage ShaderLibrary::render(const std::string& technique, const Sources& source
 }
 
 QImage ShaderLibrary::drawOver(const QImage& ground, const std::string& technique,
-                               const QImage& picture, bool blend) const
+                               const Sources& sources, const QRect& part) const
 {
     const Tq::Ptr<iGPUImage> target = uploaded(ground);
     {
-        const auto width = static_cast<float>(picture.width());
-        const auto height = static_cast<float>(picture.height());
         ImageDescriptionEx desc;
-        desc.image_ = uploaded(picture).dynamicCast<iImageBase>();
+        desc.image_ = uploaded(sources.front().second).dynamicCast<iImageBase>();
+        for (std::size_t i = 1; i < sources.size(); ++i)
+            desc.technique_.values_.push_back(iShaderParamValue::makeSource(
+                sources[i].first.c_str(), uploaded(sources[i].second)));
         desc.technique_.effect_ = effect_;
         desc.technique_.name_ = technique.c_str();
-        desc.sourceRect_ = desc.destRect_ = {0.0f, 0.0f, width, height};
-        desc.blend_ = blend;
+        desc.sourceRect_ =
+            desc.destRect_ = {static_cast<float>(part.left()), static_cast<float>(part.top()),
+                              static_cast<float>(part.left() + part.width()),
+                              static_cast<float>(part.top() + part.height())};
+        desc.blend_ = true;
         target->getPrimitivesRenderer(true)->render(desc);
     }
     return downloaded(target);

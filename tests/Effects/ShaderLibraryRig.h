@@ -54,9 +54,10 @@ public:
     void set(const std::string& parameter, std::vector<float> values) const;
     /// @return a null image where nothing was drawn
     QImage render(const std::string& technique, const Sources& sources, QSize size) const;
-    /// The same as a description draws it with a renderer, blended over a ground or not.
-    QImage drawOver(const QImage& ground, const std::string& technique, const QImage& picture,
-                    bool blend) const;
+    /// The same as a description draws it with a renderer, blended over a ground: a part of the
+    /// first picture, at its place in there.
+    QImage drawOver(const QImage& ground, const std::string& technique, const Sources& sources,
+                    const QRect& part) const;
 
     /// The files of the library, without the extension.
     static std::vector<std::string> names();

@@ -351,7 +351,7 @@ TEST(ShaderLibrary, KeysByColour)
                       {3, 0.0});
         // Drawn with blending, straight colours come out as the effect puts them over the ground.
         EXPECT_TRUE(imagesAgree(
-            library.drawOver(other(), "KeyBlend", picture(), true),
+            library.drawOver(other(), "KeyBlend", {{"Picture", picture()}}, picture().rect()),
             expectedPicture(kSize, [&](int x, int y) { return over(key(x, y), ground.at(x, y)); }),
             "chroma key blended", {3, 0.0}));
     }
@@ -413,6 +413,24 @@ TEST(ShaderLibrary, BlursByABellAlongRowsThenColumns)
             [&](int x, int y) { return blurred([&](int i) { return rows.at(x, y + i); }); },
             "blur " + std::to_string(radius));
     }
+}
+
+TEST(ShaderLibrary, DrawsPartsAsIfTheyWereAll)
+{
+    const QRect part(9, 5, 40, 22);
+    const QImage whole = testPicture(64, 36, true), second = testPicture(40, 22, true, 3);
+    const auto expectPart = [&](const ShaderLibrary& library, const std::string& technique,
+                                ShaderLibrary::Sources sources) {
+        const QImage drawn = library.drawOver(other(), technique, sources, part);
+        sources.front().second = whole.copy(part);
+        EXPECT_TRUE(imagesAgree(drawn.copy(part), library.render(technique, sources, part.size()),
+                                ("part " + technique).c_str(), {2, 0.0}));
+        EXPECT_EQ(drawn.pixel(part.left() - 1, part.top()), other().pixel(8, 5));
+    };
+    const ShaderLibrary blur("Blur"), dissolve("Dissolve");
+    expectPart(blur, "Blur", {{"Picture", whole}});
+    expectPart(dissolve, "Dissolve", {{"From", whole}, {"To", second}});
+    expectPart(dissolve, "Additive", {{"From", whole}, {"To", second}});
 }
 
 TEST(ShaderLibrary, SharpensByWhatASmallBlurTakesAway)

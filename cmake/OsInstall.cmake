@@ -25,9 +25,9 @@ set(CPACK_COMPONENTS_GROUPING IGNORE)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_CURRENT_BINARY_DIR})
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME libvantoros0)
-# Loaded where it is installed, for movies of the screen: of the version that the headers were of.
+# Loaded where they are installed: for movies of the screen, of the version that the headers were of; for MIDI by a server.
 string(REGEX MATCH "^[0-9]+" movies_version "${OsMovies_libavdevice_VERSION}")
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_SUGGESTS "libavdevice${movies_version}")
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_SUGGESTS "libavdevice${movies_version}, libjack-jackd2-0 | libjack-0.125")
 set(CPACK_DEBIAN_DEV_PACKAGE_NAME libvantoros-dev)
 set(CPACK_DEBIAN_DEV_PACKAGE_DEPENDS "libvantoros0 (= ${PROJECT_VERSION})")
 set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME vantoros-tools)

@@ -107,6 +107,7 @@ TEST(OsInfo, TellsOfThisMachine)
     EXPECT_GT(json["memory"].toObject()["physicalBytes"].toDouble(), 1e6);
     EXPECT_FALSE(json["versions"].toObject()["library"].toString().isEmpty());
     EXPECT_TRUE(json["serialPorts"].isArray());
+    EXPECT_TRUE(json["midi"].isArray());
     EXPECT_EQ(json["folders"].toObject()["home"].toString(), "~/");
     EXPECT_EQ(json["graphics"].toArray()[0].toObject()["name"].toString(), "Context");
 

@@ -16,8 +16,12 @@ Tq::Ptr<iFont> Resources::font(const Theme::Type& type)
         const unsigned int flags = (type.bold ? iFont::eBold : iFont::ePlain) |
                                    (type.fixedPitch ? iFont::eFixedPitch : iFont::ePlain);
         const Text name = type.fixedPitch ? L"DejaVu Sans Mono" : L"DejaVu Sans";
-        font = window_ ? window_->createFont(name, size, 0, flags)
-                       : OS()->mediaServices()->createHostSurfaceFont(name, size, flags);
+        if (window_)
+            font = window_->createFont(name, size, 0, flags);
+        else if (onGPU_)
+            font = OS()->mediaServices()->createGPUSurfaceFont(name, size, flags);
+        if (!font)
+            font = OS()->mediaServices()->createHostSurfaceFont(name, size, flags);
     }
     return font;
 }

@@ -12,14 +12,21 @@
 
 namespace App {
 
-/// Fonts and blank pictures for one target: a window, which scales by itself, or a host surface,
-/// for which everything is made at its scale.
+/// Fonts and blank pictures for one target: a window, which scales by itself, a host surface, for
+/// which everything is made at its scale, or an image on the GPU.
 class Resources
 {
 public:
     /// For a host surface of `scale` pixels for each logical one.
     explicit Resources(double scale) : scale_(scale) {}
     explicit Resources(Tq::Ptr<iRootWindow> window) : window_(std::move(window)) {}
+    /// For images on the GPU: GL draws the text.
+    static Resources onGPU()
+    {
+        Resources resources(1.0);
+        resources.onGPU_ = true;
+        return resources;
+    }
 
     /// Target pixels for each logical pixel that a canvas has to draw.
     double scale() const { return scale_; }
@@ -34,6 +41,7 @@ public:
 private:
     Tq::Ptr<iRootWindow> window_;
     double scale_ = 1.0;
+    bool onGPU_ = false;
     std::map<Theme::Type, Tq::Ptr<iFont>> fonts_;
 };
 

@@ -1,6 +1,5 @@
 #include "Editor.h"
 
-#include "Drawing/Scene.h"
 #include "FrameWriter.h"
 #include "Model/Removal.h"
 
@@ -9,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace Vantor {
 
@@ -69,8 +69,7 @@ Editor::Editor(EditorState state)
 void Editor::useTarget(std::unique_ptr<Resources> resources)
 {
     resources_ = std::move(resources);
-    icons_ = std::make_unique<Icons>(*resources_);
-    pictures_ = std::make_unique<PictureStore>(*resources_);
+    stores_ = std::make_unique<Stores>(*resources_);
     measuredTitle_.clear();
 }
 
@@ -240,6 +239,7 @@ void Editor::keepTimers()
 void Editor::keepEffect()
 {
     if (!viewer_) {
+        state_.scopes.trouble = L"scopes need OpenGL";
         state_.effects.trouble =
             state_.effects.chosen == EffectPanel::kNone ? Text() : Text(L"effects need OpenGL");
         return;
@@ -256,8 +256,9 @@ void Editor::keepViewer()
     keepEffect();
     if (viewer_) {
         state_.choices.ratio = viewer_->ratio() > 0.0 ? viewer_->ratio() : 1.0;
-        viewer_->show(state_, layoutOf(state_), effect_.technique());
+        viewer_->show(state_, layoutOf(state_), effect_.path());
         state_.shown = viewer_->facts();
+        state_.scopes = viewer_->reading();
     } else if (state_.fullScreen && window_) {
         state_.fullScreen = false;
         state_.message = L"the picture cannot fill the screen without OpenGL";
@@ -276,17 +277,19 @@ iEventHandler::eRC Editor::learnFacts()
     if (viewer_) {
         const ShownFrames before = state_.shown;
         state_.shown = viewer_->facts();
-        if (!(state_.shown == before))
+        const ScopeReading read = std::exchange(state_.scopes, viewer_->reading());
+        if (!(state_.shown == before) || !(state_.scopes == read))
             requestFrame();
     }
-    if (playsWhenDrawn_ || (viewer_ && !viewer_->isSettled()))
+    if (playsWhenDrawn_ || (viewer_ && !(viewer_->isSettled() && viewer_->isMeasured())))
         factsTimer_ = window_->createTimer(kFactsMs);
     return eContinue;
 }
 
 bool Editor::hasDrawn() const
 {
-    return !pictures_->wantsMore() && !frameRequested_ && (!viewer_ || viewer_->isSettled());
+    return !stores_->pictures.wantsMore() && !frameRequested_ &&
+           (!viewer_ || (viewer_->isSettled() && viewer_->isMeasured()));
 }
 
 void Editor::keepCursor()
@@ -309,19 +312,19 @@ void Editor::requestFrame()
     window_->postUserMessage();
 }
 
-bool drawFrame(const EditorState& state, Resources& resources, Icons& icons, PictureStore& pictures,
+bool drawFrame(const EditorState& state, Resources& resources, Stores& stores,
                const Tq::Ptr<iGraphicPrimitivesRenderer>& renderer, int loads)
 {
-    pictures.allowLoads(loads);
+    stores.pictures.allowLoads(loads);
     Canvas canvas(resources, renderer);
-    Scene scene{canvas, icons, pictures, state, layoutOf(state)};
+    Scene scene{canvas, stores, state, layoutOf(state)};
     drawEditor(scene);
-    return pictures.wantsMore();
+    return stores.pictures.wantsMore();
 }
 
 void Editor::draw(const Tq::Ptr<iGraphicPrimitivesRenderer>& renderer)
 {
-    if (renderer && drawFrame(state_, *resources_, *icons_, *pictures_, renderer, kLoadsPerFrame))
+    if (renderer && drawFrame(state_, *resources_, *stores_, renderer, kLoadsPerFrame))
         requestFrame();
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Drawing/PictureStore.h"
+#include "Drawing/Scene.h"
 #include "Effects/LiveEffect.h"
 #include "Model/PlayCount.h"
 #include "Model/Session.h"
@@ -77,8 +77,7 @@ private:
     Interaction interaction_;
     Tq::Ptr<iRootWindow> window_;
     std::unique_ptr<Resources> resources_;
-    std::unique_ptr<Icons> icons_;
-    std::unique_ptr<PictureStore> pictures_;
+    std::unique_ptr<Stores> stores_;
     Text measuredTitle_;
     Text windowTitle_;
     Tq::Ptr<iSettings> settings_; ///< null: nothing is remembered
@@ -104,7 +103,7 @@ private:
 
 /// Draws one frame of a state. @param loads how many picture files may be read for it
 /// @return whether pictures were left out because no more could be read
-bool drawFrame(const EditorState& state, Resources& resources, Icons& icons, PictureStore& pictures,
+bool drawFrame(const EditorState& state, Resources& resources, Stores& stores,
                const Tq::Ptr<iGraphicPrimitivesRenderer>& renderer, int loads);
 
 /// The width of the project's title as it stands in the top bar.

@@ -97,10 +97,10 @@ iEventHandler::eRC Editor::handleTimer(const TimerEvent& event)
     } else if (isTick(factsTimer_, event)) {
         return learnFacts();
     } else if (isTick(effectTimer_, event)) {
-        const LiveEffect::Technique before = effect_.technique();
+        const LiveEffect::Path before = effect_.path();
         const Text trouble = state_.effects.trouble;
         keepEffect();
-        if (effect_.technique() == before && state_.effects.trouble == trouble)
+        if (effect_.path() == before && state_.effects.trouble == trouble)
             return eContinue;
     } else if (isTick(caretTimer_, event)) {
         state_.caretShown = !state_.caretShown;
@@ -117,7 +117,7 @@ iEventHandler::eRC Editor::handleTimer(const TimerEvent& event)
 
 iEventHandler::eRC Editor::handleFileDrop(const LightweightString<wchar_t>& path)
 {
-    pictures_->forgetMissing();
+    stores_->pictures.forgetMissing();
     interaction_.dropFile(path);
     return changed();
 }

@@ -19,9 +19,8 @@ Text writeFrame(EditorState state, double scale, const Text& path)
     if (!surface)
         return L"a picture of this size cannot be made";
     state.choices.titleWidth = titleWidth(state, resources);
-    Icons icons(resources);
-    PictureStore pictures(resources);
-    drawFrame(state, resources, icons, pictures, surface->getPrimitivesRenderer(true),
+    Stores stores(resources);
+    drawFrame(state, resources, stores, surface->getPrimitivesRenderer(true),
               std::numeric_limits<int>::max());
     return savePicture(surface, path);
 }

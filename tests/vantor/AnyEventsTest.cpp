@@ -112,11 +112,10 @@ void sendAny(Editor& editor, std::mt19937& random, std::int64_t& time)
 void drawAsItIs(const EditorState& state)
 {
     Resources resources(1.25);
-    Icons icons(resources);
-    PictureStore pictures(resources);
+    Stores stores(resources);
     const Tq::Ptr<iHostImage> surface = resources.blank({0, 0, state.size.x, state.size.y});
     ASSERT_TRUE(surface);
-    drawFrame(state, resources, icons, pictures, surface->getPrimitivesRenderer(true), 100);
+    drawFrame(state, resources, stores, surface->getPrimitivesRenderer(true), 100);
 }
 
 TEST(AnyEventsTest, NoSequenceOfEventsBreaksTheState)

@@ -142,10 +142,9 @@ TEST_F(FrameTest, BrokenAndForeignFilesDoNoHarm)
 Tq::Ptr<iHostImage> drawn(EditorState state, double scale)
 {
     Resources resources(scale);
-    Icons icons(resources);
-    PictureStore pictures(resources);
+    Stores stores(resources);
     Tq::Ptr<iHostImage> surface = resources.blank({0, 0, state.size.x, state.size.y});
-    drawFrame(state, resources, icons, pictures, surface->getPrimitivesRenderer(true), 1000);
+    drawFrame(state, resources, stores, surface->getPrimitivesRenderer(true), 1000);
     return surface;
 }
 

@@ -29,8 +29,8 @@ void drawStep(Scene& scene, EffectButton button)
     const int lean = backwards ? -1 : 1;
     const Rect icon{middle.x - 5 + lean, middle.y - 5, middle.x + 5 + lean, middle.y + 5};
     scene.canvas.picture(
-        scene.icons.get(backwards ? Icons::Shape::eBackwards : Icons::Shape::eForwards, icon,
-                        Theme::kText),
+        scene.stores.icons.get(backwards ? Icons::Shape::eBackwards : Icons::Shape::eForwards, icon,
+                               Theme::kText),
         icon);
 }
 

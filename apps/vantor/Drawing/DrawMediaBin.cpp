@@ -38,7 +38,7 @@ void drawHeader(Scene& scene, std::size_t visible)
         canvas.frame(l.filter, Theme::kAccent);
     const int middle = (l.filter.top + l.filter.bottom) / 2;
     const Rect icon{l.filter.left + 6, middle - 5, l.filter.left + 17, middle + 6};
-    canvas.picture(scene.icons.get(Icons::Shape::eSearch, icon, Theme::kDim), icon);
+    canvas.picture(scene.stores.icons.get(Icons::Shape::eSearch, icon, Theme::kDim), icon);
     if (state.filterField.text.empty())
         canvas.text(L"Filter", l.filter.left + 22, baselineIn(l.filter, Theme::kFact), Theme::kFact,
                     Theme::mix(ground, Theme::kDim, 0.75f));
@@ -124,11 +124,12 @@ void drawThumbnail(Scene& scene, const MediaItem* media, int frame, const Rect& 
     }
     const Text path = media ? media->fileAt(frame) : Text();
     const Tq::Ptr<iHostImage> image =
-        path.empty() ? nullptr : scene.pictures.scaled(path, rect, PictureStore::Fit::eCover);
+        path.empty() ? nullptr
+                     : scene.stores.pictures.scaled(path, rect, PictureStore::Fit::eCover);
     if (image)
         scene.canvas.picture(image, rect);
-    else if (path.empty() || scene.pictures.isMissing(path))
-        drawMissing(scene.canvas, scene.icons, rect, missing);
+    else if (path.empty() || scene.stores.pictures.isMissing(path))
+        drawMissing(scene.canvas, scene.stores.icons, rect, missing);
     else
         scene.canvas.fill(rect, Theme::kHeader);
 }

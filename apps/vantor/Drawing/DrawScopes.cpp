@@ -1,20 +1,7 @@
 // The panel beside the timeline: waveform, vectorscope and histogram of the viewer's picture.
 #include "Drawing/Scene.h"
 
-#include <cmath>
-
 namespace Vantor {
-
-namespace {
-
-void drawReading(Scene& scene, const Tq::Ptr<iHostImage>& picture, const Rect& rect)
-{
-    scene.canvas.fill(rect, Theme::kGround);
-    if (picture)
-        scene.canvas.picture(picture, rect);
-}
-
-} // namespace
 
 void drawScopes(Scene& scene)
 {
@@ -33,9 +20,11 @@ void drawScopes(Scene& scene)
                            centreOf(room).x, centreOf(room).y, Theme::kFact, Theme::kDim);
         return;
     }
-    drawReading(scene, reading.waveform, l.waveform);
-    drawReading(scene, reading.vectorscope, l.vectorscope);
-    drawReading(scene, reading.histogram, l.histogram);
+    using Scope = ScopePictures::Scope;
+    for (const auto& [scope, rect] :
+         {std::pair{Scope::eWaveform, l.waveform}, std::pair{Scope::eVectorscope, l.vectorscope},
+          std::pair{Scope::eHistogram, l.histogram}})
+        canvas.picture(scene.stores.scopes.get(scope, reading.counts, rect), rect);
 }
 
 } // namespace Vantor

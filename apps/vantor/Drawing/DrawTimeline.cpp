@@ -141,7 +141,7 @@ void drawPlayhead(Scene& scene)
     canvas.fill({x - 1, l.ruler.bottom - 1, x + 1, l.lanes.bottom},
                 isLively(state) ? Theme::kTime : Theme::mix(Theme::kTime, Theme::kLane, 0.12f));
     const Rect handle{x - 6, l.ruler.bottom - 11, x + 6, l.ruler.bottom + 3};
-    canvas.picture(scene.icons.get(Icons::Shape::ePlayhead, handle, Theme::kTime), handle);
+    canvas.picture(scene.stores.icons.get(Icons::Shape::ePlayhead, handle, Theme::kTime), handle);
     const Rect tag = playheadTag(scene);
     if (!tag.hasArea())
         return;

@@ -42,9 +42,10 @@ void drawButton(Scene& scene, int index)
     // A triangle looks centred when it stands a little towards its point.
     const Rect icon =
         index == 0 ? Rect{x - 7, y - 7, x + 5, y + 7} : Rect{x - 5, y - 7, x + 7, y + 7};
-    canvas.picture(scene.icons.get(index == 0 ? Icons::Shape::eBackwards : Icons::Shape::eForwards,
-                                   icon, colour),
-                   icon);
+    canvas.picture(
+        scene.stores.icons.get(index == 0 ? Icons::Shape::eBackwards : Icons::Shape::eForwards,
+                               icon, colour),
+        icon);
 }
 
 Text chipText(const EditorState& state, ViewerChip chip, int pictureWidth)
@@ -138,7 +139,7 @@ void drawScreen(Scene& scene)
     const EditorState& state = scene.state;
     Canvas& canvas = scene.canvas;
     canvas.clip(l.screen);
-    drawComposition({canvas, scene.icons, scene.pictures, state.project, state.bin,
+    drawComposition({canvas, scene.stores.icons, scene.stores.pictures, state.project, state.bin,
                      state.player.rate(), state.player.frame(), l.picture});
     drawOverlays(canvas, l.picture, l.screen, state.choices.viewer, state.player.frame(),
                  state.player.rate(), [&](const Text& words, const Rect& plate, int height) {

@@ -2,18 +2,29 @@
 
 #include "Drawing/Composition.h"
 #include "Drawing/PictureStore.h"
+#include "Drawing/ScopePictures.h"
 #include "View/EditorState.h"
 #include "common/Canvas.h"
 #include "common/Icons.h"
 
 namespace Vantor {
 
+/// The pictures that are kept from one frame to the next, for one target.
+struct Stores
+{
+    explicit Stores(Resources& resources) : icons(resources), pictures(resources), scopes(resources)
+    {
+    }
+    Icons icons;
+    PictureStore pictures;
+    ScopePictures scopes;
+};
+
 /// What the drawing of one frame works with.
 struct Scene
 {
     Canvas& canvas;
-    Icons& icons;
-    PictureStore& pictures;
+    Stores& stores;
     const EditorState& state;
     const Layout layout;
 

@@ -80,6 +80,41 @@ EffectControl controlOf(const iShaderParam& param)
     return control;
 }
 
+/// In the order of GradeValues.
+std::vector<EffectControl> gradeControls()
+{
+    const auto control = [](const wchar_t* label, float least, float most, float initial) {
+        EffectControl slider;
+        slider.parameter = LightweightString<char>("grade");
+        slider.label = label;
+        slider.least = least;
+        slider.most = most;
+        slider.initial = slider.value = initial;
+        return slider;
+    };
+    std::vector<EffectControl> controls{
+        control(L"Lift", -0.5f, 0.5f, 0.0f), control(L"Gamma", 0.2f, 3.0f, 1.0f),
+        control(L"Gain", 0.0f, 2.0f, 1.0f), control(L"Saturation", 0.0f, 2.0f, 1.0f)};
+    for (std::size_t i = 0; i < controls.size(); ++i)
+        controls[i].component = static_cast<int>(i);
+    return controls;
+}
+
+std::vector<Tq::Ptr<iShaderParamValue>> valuesOf(const std::vector<EffectControl>& controls)
+{
+    std::vector<Tq::Ptr<iShaderParamValue>> values;
+    for (std::size_t i = 0; i < controls.size(); ++i) {
+        const EffectControl& control = controls[i];
+        if (!control.isColour)
+            values.push_back(iShaderParamValue::makeFloat(control.parameter, control.value));
+        else if (control.component == 0 && i + 2 < controls.size())
+            values.push_back(iShaderParamValue::makeColour(
+                control.parameter,
+                {control.value, controls[i + 1].value, controls[i + 2].value, 1.0f}));
+    }
+    return values;
+}
+
 } // namespace
 
 Text effectNameOf(const Text& path)
@@ -116,8 +151,7 @@ std::vector<EffectFile> findEffects()
     const Text folder = OS()->shell()->getFolderLocation(iShell::eResources) + L"Shaders/";
     std::vector<iFileManager::DirectoryItem> items;
     std::vector<EffectFile> found;
-    if (!OS()->fileMgr()->getDirectoryContents(folder + L"*.fx", items, true, false))
-        return found;
+    OS()->fileMgr()->getDirectoryContents(folder + L"*.fx", items, true, false);
     for (const iFileManager::DirectoryItem& item : items) {
         const Text path = folder + item.name_;
         const Tq::Ptr<iFXFile> file = OS()->mediaServices()->compileFXFile(path);
@@ -126,6 +160,7 @@ std::vector<EffectFile> findEffects()
     }
     std::sort(found.begin(), found.end(),
               [](const EffectFile& a, const EffectFile& b) { return a.name < b.name; });
+    found.push_back({Text(), L"Colour Correct (compute)"});
     return found;
 }
 
@@ -164,30 +199,51 @@ std::vector<EffectControl> controlsOf(const iShaderEffect& effect)
 
 void LiveEffect::follow(EffectPanel& panel)
 {
-    const Text path = panel.chosen == EffectPanel::kNone
-                          ? Text()
-                          : panel.files[static_cast<std::size_t>(panel.chosen)].path;
-    if (!(path == path_))
-        load(path);
+    const EffectFile file = panel.chosen == EffectPanel::kNone
+                                ? EffectFile()
+                                : panel.files[static_cast<std::size_t>(panel.chosen)];
+    if (!(file == file_))
+        take(file);
     else if (effect_)
         effect_->reloadIfChanged();
-    else if (!path.empty())
-        retry(path);
+    else if (!file.path.empty())
+        retry(file.path);
     if (effect_) {
         isNew_ = isNew_ || revision_ != effect_->getRevision();
         revision_ = effect_->getRevision();
-        trouble_ = effect_->isOutdated() ? troubleOf(wide(effect_->getListing()), path) : Text();
+        trouble_ =
+            effect_->isOutdated() ? troubleOf(wide(effect_->getListing()), file.path) : Text();
     }
     if (isNew_)
-        panel.offer(effect_ ? controlsOf(*effect_) : std::vector<EffectControl>());
+        panel.offer(offered());
     panel.trouble = trouble_;
-    keepTechnique(panel);
+    keepPath(panel);
     isNew_ = false;
+}
+
+void LiveEffect::take(const EffectFile& file)
+{
+    file_ = file;
+    isGrade_ = file.path.empty() && !file.name.empty();
+    load(file.path);
+    if (!isGrade_)
+        return;
+    device_ = ComputeDevice::instance();
+    if (!device_->context()) {
+        trouble_ = troubleOf(kNoComputeDevice, Text());
+        isGrade_ = false;
+    }
+}
+
+std::vector<EffectControl> LiveEffect::offered() const
+{
+    if (isGrade_)
+        return gradeControls();
+    return effect_ ? controlsOf(*effect_) : std::vector<EffectControl>();
 }
 
 void LiveEffect::load(const Text& path)
 {
-    path_ = path;
     effect_.reset();
     trouble_.clear();
     isNew_ = true;
@@ -222,27 +278,22 @@ void LiveEffect::retry(const Text& path)
         trouble_ = listing;
 }
 
-void LiveEffect::keepTechnique(const EffectPanel& panel)
+void LiveEffect::keepPath(const EffectPanel& panel)
 {
     if (!isNew_ && panel.controls == used_)
         return;
     used_ = panel.controls;
-    technique_.reset();
-    if (!effect_)
-        return;
-    auto technique = std::make_shared<ShaderTechnique>();
-    technique->effect_ = effect_;
-    for (std::size_t i = 0; i < used_.size(); ++i) {
-        const EffectControl& control = used_[i];
-        if (!control.isColour) {
-            technique->values_.push_back(
-                iShaderParamValue::makeFloat(control.parameter, control.value));
-        } else if (control.component == 0 && i + 2 < used_.size()) {
-            technique->values_.push_back(iShaderParamValue::makeColour(
-                control.parameter, {control.value, used_[i + 1].value, used_[i + 2].value, 1.0f}));
-        }
+    shown_.reset();
+    if (isGrade_ && used_.size() == 4) {
+        auto path = std::make_shared<PicturePath>();
+        path->grade = GradeValues{used_[0].value, used_[1].value, used_[2].value, used_[3].value};
+        shown_ = std::move(path);
+    } else if (effect_) {
+        auto path = std::make_shared<PicturePath>();
+        path->technique.effect_ = effect_;
+        path->technique.values_ = valuesOf(used_);
+        shown_ = std::move(path);
     }
-    technique_ = std::move(technique);
 }
 
 } // namespace Vantor

@@ -1,16 +1,25 @@
 #pragma once
 
+#include "Compute/Grade.h"
 #include "Model/EffectPanel.h"
 
 #include <OS/Effects/iShaderEffect.h>
 #include <OS/Primitives/ShaderTechnique.h>
 
 #include <memory>
+#include <optional>
 
 namespace Vantor {
 
+/// What the viewer's picture goes through before it is seen.
+struct PicturePath
+{
+    ShaderTechnique technique;        ///< without an effect: none
+    std::optional<GradeValues> grade; ///< by a kernel, before the effect
+};
+
 /// The effects of a folder of the product's, by name: those that change one picture, and those that
-/// cannot be compiled, so that they can be mended.
+/// cannot be compiled, so that they can be mended; and the colour corrector that computes.
 std::vector<EffectFile> findEffects();
 /// As it stands in the panel: "ColourCorrect.fx" is "Colour Correct".
 Text effectNameOf(const Text& path);
@@ -26,28 +35,32 @@ std::vector<EffectControl> controlsOf(const iShaderEffect& effect);
 class LiveEffect
 {
 public:
-    /// What the viewer draws with; never changes once it is made.
-    using Technique = std::shared_ptr<const ShaderTechnique>;
+    /// Never changes once it is made.
+    using Path = std::shared_ptr<const PicturePath>;
 
     /// Brings panel and effect together. Looks at the files, which is quick: call it after each
     /// change and a few times a second.
     void follow(EffectPanel& panel);
     /// Null: the picture is shown as it is.
-    const Technique& technique() const { return technique_; }
+    const Path& path() const { return shown_; }
 
 private:
+    void take(const EffectFile& file);
     void load(const Text& path);
     void retry(const Text& path);
-    void keepTechnique(const EffectPanel& panel);
+    void keepPath(const EffectPanel& panel);
+    std::vector<EffectControl> offered() const;
 
-    Text path_;
-    Tq::Ptr<iShaderEffect> effect_; ///< null: none, or it cannot be used
+    EffectFile file_;
+    bool isGrade_ = false;
+    std::shared_ptr<ComputeDevice> device_; ///< null until it is asked for
+    Tq::Ptr<iShaderEffect> effect_;         ///< null: none, or it cannot be used
     unsigned int revision_ = 0;
     bool isNew_ = false; ///< since the panel was told
     Text trouble_;
     double lookedMs_ = 0.0;
-    std::vector<EffectControl> used_; ///< in technique_
-    Technique technique_;
+    std::vector<EffectControl> used_; ///< in shown_
+    Path shown_;
 };
 
 } // namespace Vantor

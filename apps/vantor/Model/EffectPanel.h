@@ -32,7 +32,7 @@ struct EffectControl
 /// An effect that can be chosen for the viewer.
 struct EffectFile
 {
-    Text path;
+    Text path; ///< of the file; empty: the colour corrector that computes without one
     Text name;
 
     friend bool operator==(const EffectFile&, const EffectFile&) = default;

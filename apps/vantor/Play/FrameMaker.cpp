@@ -48,7 +48,7 @@ Tq::Ptr<iGPUImage> FrameMaker::onGPU(const FrameRequest& request, int frame, con
 void FrameMaker::drawOn(const Tq::Ptr<iGPUImage>& image, const FrameRequest& request, int frame,
                         const Layers& layers)
 {
-    Canvas canvas(resources_, image->getPrimitivesRenderer(true));
+    Canvas canvas(onGPU_, image->getPrimitivesRenderer(true));
     layers({canvas,
             icons_,
             pictures_,

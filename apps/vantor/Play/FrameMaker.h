@@ -31,6 +31,7 @@ private:
                 const Layers& layers);
 
     Resources resources_;
+    Resources onGPU_ = Resources::onGPU();
     Icons icons_;
     PictureStore pictures_;
     Passages passages_;

@@ -61,6 +61,9 @@ struct Presenter::Shown
     Point windowSize;
     bool sharp = false; ///< with the frame that was meant
     Tq::Ptr<iImage> image;
+    Tq::Ptr<iImage> graded; ///< of gradedFrom by gradedBy
+    Tq::Ptr<iImage> gradedFrom;
+    LiveEffect::Path gradedBy;
     Point pixels;
     const iVideoWindow* window = nullptr;
     std::uint64_t released = 0; ///< frames, in this window
@@ -147,7 +150,8 @@ void Presenter::loop()
         while (wake_->wait(0) == iWaitable::eWaitSignalled)
             continue;
     }
-    shown_->image.reset();
+    *shown_ = Shown();
+    grade_.reset();
 }
 
 // @return how long there is nothing to do
@@ -222,9 +226,30 @@ double Presenter::settle(const Showing& showing)
     return wait;
 }
 
-bool Presenter::draw(const Showing& showing, const Tq::Ptr<iImage>& image, const Point& pixels,
+// A frame is graded once, however often it is drawn.
+Tq::Ptr<iImage> Presenter::graded(const Tq::Ptr<iImage>& image, const LiveEffect::Path& path)
+{
+    if (!image || !path || !path->grade)
+        return image;
+    if (shown_->gradedFrom.get() == image.get() && shown_->gradedBy == path)
+        return shown_->graded;
+    if (!gradeTried_) {
+        gradeTried_ = true;
+        grade_ = Grade::make();
+    }
+    const Tq::Ptr<iGPUImage> source = image.dynamicCast<iGPUImage>();
+    const Tq::Ptr<iGPUImage> result =
+        grade_ && source ? grade_->apply(source, *path->grade) : nullptr;
+    shown_->gradedFrom = image;
+    shown_->gradedBy = path;
+    shown_->graded = result ? Tq::Ptr<iImage>(result) : image;
+    return shown_->graded;
+}
+
+bool Presenter::draw(const Showing& showing, const Tq::Ptr<iImage>& frameImage, const Point& pixels,
                      int frame)
 {
+    const Tq::Ptr<iImage> image = graded(frameImage, showing.effect);
     const Tq::Ptr<iVideoWindowBackBuffer> buffer = showing.window->getBackBuffer();
     const Tq::Ptr<iGraphicPrimitivesRenderer> renderer =
         buffer ? buffer->getPrimitivesRenderer(true) : nullptr;
@@ -235,8 +260,8 @@ bool Presenter::draw(const Showing& showing, const Tq::Ptr<iImage>& image, const
     const Rect picture = placeIn(size, showing, ratio);
     Canvas canvas(resources_, renderer);
     canvas.fill({0, 0, size.x, size.y}, showing.alone ? Theme::kBlack : Theme::kPanel);
-    if (image && showing.effect)
-        canvas.passed(image, pixels, picture, *showing.effect);
+    if (image && showing.effect && showing.effect->technique.effect_)
+        canvas.passed(image, pixels, picture, showing.effect->technique);
     else if (image)
         canvas.stretched(image, pixels, picture, false);
     else
@@ -245,6 +270,8 @@ bool Presenter::draw(const Showing& showing, const Tq::Ptr<iImage>& image, const
                  showing.transport.rate(), [&](const Text& words, const Rect& plate, int height) {
                      digits_.write(canvas, words, plate, height, ratio);
                  });
+    if (showing.measured)
+        scopes_.offer(image.dynamicCast<iGPUImage>(), showing.effect);
     return true;
 }
 

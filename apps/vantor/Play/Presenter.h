@@ -6,6 +6,7 @@
 #include "Model/Transport.h"
 #include "Model/ViewerChoices.h"
 #include "Play/FrameReader.h"
+#include "Play/ScopeWatch.h"
 
 #include <OS/Threads/iSemaphore.h>
 #include <OS/Threads/iThread.h>
@@ -24,13 +25,14 @@ struct Showing
     Transport transport;
     ViewerChoices choices;
     std::shared_ptr<const Edit> edit;
-    LiveEffect::Technique effect; ///< null: as it is
+    LiveEffect::Path effect; ///< null: as it is
+    bool measured = false;   ///< for the scopes
 
     /// Whether it is the same to be seen, however far the clock has gone.
     bool looksLike(const Showing& other) const
     {
         return window.get() == other.window.get() && alone == other.alone && edit == other.edit &&
-               effect == other.effect && choices == other.choices &&
+               effect == other.effect && measured == other.measured && choices == other.choices &&
                transport.run() == other.transport.run();
     }
 };
@@ -60,6 +62,7 @@ public:
         bool settled = false; ///< a picture that stands still is on the screen
     };
     Facts facts() const;
+    const ScopeWatch& scopes() const { return scopes_; }
 
 private:
     struct Shown; ///< what is on the screen
@@ -71,6 +74,7 @@ private:
     double settle(const Showing& showing);
     bool draw(const Showing& showing, const Tq::Ptr<iImage>& image, const Point& pixels, int frame);
     void count(const Showing& showing, std::int64_t tick, double ms);
+    Tq::Ptr<iImage> graded(const Tq::Ptr<iImage>& image, const LiveEffect::Path& path);
 
     const Tq::Ptr<iCriticalSection> lock_;
     const Tq::Ptr<iSemaphore> wake_; ///< a unit for each thing that may be new
@@ -86,8 +90,11 @@ private:
     // On the thread only.
     Resources resources_{1.0};
     DigitPictures digits_;
+    std::unique_ptr<Grade> grade_;
+    bool gradeTried_ = false;
     std::unique_ptr<Shown> shown_;
 
+    ScopeWatch scopes_;
     std::unique_ptr<FrameReader> reader_;
     Tq::Ptr<iThread> thread_;
 };

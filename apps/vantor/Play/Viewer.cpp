@@ -36,7 +36,7 @@ void Viewer::keepEdit(const EditorState& state)
     edit_ = std::move(edit);
 }
 
-void Viewer::show(EditorState& state, const Layout& layout, const LiveEffect::Technique& effect)
+void Viewer::show(EditorState& state, const Layout& layout, const LiveEffect::Path& effect)
 {
     keepEdit(state);
     if (!(layout.screen == place_)) {
@@ -53,13 +53,18 @@ void Viewer::show(EditorState& state, const Layout& layout, const LiveEffect::Te
         fullScreen_.reset();
     }
     presenter_.show({fullScreen_ ? fullScreen_ : window_, bool(fullScreen_), state.player,
-                     state.choices.viewer, edit_, effect});
+                     state.choices.viewer, edit_, effect, state.choices.scopes});
 }
 
 ShownFrames Viewer::facts() const
 {
     const Presenter::Facts facts = presenter_.facts();
     return {facts.presented, facts.dropped, facts.rate, true};
+}
+
+ScopeReading Viewer::reading() const
+{
+    return presenter_.scopes().reading();
 }
 
 double Viewer::ratio() const

@@ -20,12 +20,15 @@ public:
 
     /// Shows the state from now on; makes and drops the window that fills the screen.
     /// @param effect that the picture is passed through; null: as it is
-    void show(EditorState& state, const Layout& layout, const LiveEffect::Technique& effect);
+    void show(EditorState& state, const Layout& layout, const LiveEffect::Path& effect);
     ShownFrames facts() const;
     /// Device pixels for each logical one.
     double ratio() const;
     /// Whether what was shown last is on the screen, as far as it can be known.
     bool isSettled() const { return presenter_.facts().settled; }
+    /// What the scopes show of it.
+    ScopeReading reading() const;
+    bool isMeasured() const { return presenter_.scopes().isUpToDate(); }
 
 private:
     explicit Viewer(Tq::Ptr<iVideoWindow> window) : window_(std::move(window)) {}

@@ -75,6 +75,21 @@ TEST(EffectPanelTest, AReloadedEffectKeepsValuesByName)
     EXPECT_EQ(panel.selected, 0);
 }
 
+TEST(EffectPanelTest, AReloadedEffectKeepsItsTechniqueByName)
+{
+    EffectPanel panel;
+    panel.chooseTechnique(1);
+    EXPECT_TRUE(panel.techniqueName().empty()) << "there is none to choose";
+    panel.offer({}, {L"a", L"b", L"c"});
+    panel.chooseTechnique(-1);
+    EXPECT_TRUE(panel.techniqueName() == L"c");
+    panel.offer({}, {L"c", L"d"});
+    EXPECT_EQ(panel.technique, 0);
+    panel.chooseTechnique(1);
+    panel.offer({}, {L"e", L"f"});
+    EXPECT_EQ(panel.technique, 0) << "gone";
+}
+
 TEST(EffectPanelTest, ChoosingGoesRoundThroughNone)
 {
     EffectPanel panel;

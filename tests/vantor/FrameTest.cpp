@@ -302,6 +302,12 @@ TEST_F(FrameTest, EveryStateIsDrawnDifferently)
              s.effects.chosen = 0;
              s.effects.offer(sampleControls());
          }},
+        {"effect-techniques",
+         [](EditorState& s) {
+             s.effects.files = {{L"/x/Wipe.fx", L"Wipe"}};
+             s.effects.chosen = 0;
+             s.effects.offer(sampleControls(), {L"Straight", L"Clock"});
+         }},
         {"effect-focus",
          [](EditorState& s) {
              s.effects.offer(sampleControls());

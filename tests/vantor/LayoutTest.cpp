@@ -41,7 +41,10 @@ std::vector<std::vector<Named>> contents(const Layout& l)
         chips.push_back({"chip", chip});
     std::vector<Named> effects{{"name", l.effectName}, {"sliders", l.sliders}};
     for (const Rect& button : l.effectButtons)
-        effects.push_back({"effect button", button});
+        if (button.hasArea())
+            effects.push_back({"effect button", button});
+    if (l.techniqueName.hasArea())
+        effects.push_back({"technique", l.techniqueName});
     if (l.trouble.hasArea())
         effects.push_back({"trouble", l.trouble});
     const std::vector<Named> scopes{
@@ -79,6 +82,7 @@ TEST(LayoutTest, NothingOverlapsAtAnySizeAndScale)
     LayoutChoices troubled;
     troubled.sliders = 12;
     troubled.troubleLines = 40;
+    troubled.techniques = true;
     const LayoutChoices kChoices[] = {
         {}, {1, 1, 126}, {9000, 9000, 9000}, {420, 320, 10}, troubled};
     for (const Point& size :

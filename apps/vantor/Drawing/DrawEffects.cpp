@@ -25,7 +25,8 @@ void drawStep(Scene& scene, EffectButton button)
     const Rect& box = scene.layout.effectButtons[static_cast<std::size_t>(button)];
     scene.canvas.fill(box, groundOf(scene, button));
     const Point middle = centreOf(box);
-    const bool backwards = button == EffectButton::ePrevious;
+    const bool backwards =
+        button == EffectButton::ePrevious || button == EffectButton::ePreviousTechnique;
     const int lean = backwards ? -1 : 1;
     const Rect icon{middle.x - 5 + lean, middle.y - 5, middle.x + 5 + lean, middle.y + 5};
     scene.canvas.picture(
@@ -111,6 +112,14 @@ void drawEffects(Scene& scene)
                        centreOf(l.effectName).x, baselineIn(l.effectName, Theme::kLabel),
                        Theme::kLabel,
                        panel.chosen == EffectPanel::kNone ? Theme::kDim : Theme::kText);
+    if (l.techniqueName.hasArea()) {
+        drawStep(scene, EffectButton::ePreviousTechnique);
+        drawStep(scene, EffectButton::eNextTechnique);
+        canvas.textCentred(
+            canvas.fitted(panel.techniqueName(), l.techniqueName.width(), Theme::kFact),
+            centreOf(l.techniqueName).x, baselineIn(l.techniqueName, Theme::kFact), Theme::kFact,
+            Theme::kText);
+    }
     canvas.clip(l.sliders);
     for (std::size_t i = 0; i < panel.controls.size(); ++i)
         drawSlider(scene, static_cast<int>(i));

@@ -87,10 +87,49 @@ private:
     std::vector<Colour> light_;
 };
 
+/// Counts that lie between pixels, shared among the four around them.
+class Sums
+{
+public:
+    explicit Sums(const Point& size)
+        : size_(size),
+          sums_(static_cast<std::size_t>(size.x) * static_cast<std::size_t>(size.y), 0.0f)
+    {
+    }
+    float at(int x, int y) const { return sums_[index(x, y)]; }
+    void add(float x, float y, float count)
+    {
+        const float left = std::floor(x);
+        const float top = std::floor(y);
+        const float right = x - left;
+        const float bottom = y - top;
+        const int column = static_cast<int>(left);
+        const int row = static_cast<int>(top);
+        put(column, row, count * (1.0f - right) * (1.0f - bottom));
+        put(column + 1, row, count * right * (1.0f - bottom));
+        put(column, row + 1, count * (1.0f - right) * bottom);
+        put(column + 1, row + 1, count * right * bottom);
+    }
+
+private:
+    std::size_t index(int x, int y) const
+    {
+        return static_cast<std::size_t>(y) * static_cast<std::size_t>(size_.x) +
+               static_cast<std::size_t>(x);
+    }
+    void put(int x, int y, float count)
+    {
+        if (x >= 0 && y >= 0 && x < size_.x && y < size_.y)
+            sums_[index(x, y)] += count;
+    }
+    Point size_;
+    std::vector<float> sums_;
+};
+
 /// How bright a trace is for a number of pixels: few can be seen, many do not burn out.
 float glow(float count, float usual)
 {
-    return count <= 0.0f ? 0.0f : 1.0f - std::exp(-(0.25f + count / std::max(usual, 1.0f)));
+    return count < 0.02f ? 0.0f : 1.0f - std::exp(-(0.12f + count / std::max(usual, 1.0f)));
 }
 
 int rowOf(const Plot& plot, float share)
@@ -104,51 +143,80 @@ void drawWaveform(Plot& plot, const ScopeCounts* counts)
         plot.horizontal(rowOf(plot, share), kLine);
     if (!counts || counts->columns <= 0)
         return;
-    // Every count lands on a pixel; where the picture is smaller several share one.
     const Point size = plot.size();
-    std::vector<float> sums(static_cast<std::size_t>(size.x) * static_cast<std::size_t>(size.y));
-    for (int level = 0; level < kLevels; ++level) {
-        const int y = rowOf(plot, static_cast<float>(level) / (kLevels - 1));
+    Sums sums(size);
+    for (int level = 0; level < kLevels; ++level)
         for (int column = 0; column < counts->columns; ++column) {
-            const auto x = static_cast<std::size_t>(column * size.x / counts->columns);
-            sums[static_cast<std::size_t>(y) * static_cast<std::size_t>(size.x) + x] +=
-                static_cast<float>(
-                    counts->waveform[static_cast<std::size_t>(level * counts->columns + column)]);
+            const std::uint32_t count =
+                counts->waveform[static_cast<std::size_t>(level * counts->columns + column)];
+            if (count > 0)
+                sums.add((static_cast<float>(column) + 0.5f) / static_cast<float>(counts->columns) *
+                                 static_cast<float>(size.x) -
+                             0.5f,
+                         (1.0f - static_cast<float>(level) / (kLevels - 1)) *
+                             static_cast<float>(size.y - 1),
+                         static_cast<float>(count));
         }
-    }
     const float usual = static_cast<float>(counts->pixels) / static_cast<float>(size.x) * 0.04f;
     constexpr Colour kTrace{0.62f, 0.92f, 0.72f};
     for (int y = 0; y < size.y; ++y)
         for (int x = 0; x < size.x; ++x)
-            plot.add(x, y, kTrace,
-                     glow(sums[static_cast<std::size_t>(y) * static_cast<std::size_t>(size.x) +
-                               static_cast<std::size_t>(x)],
-                          usual));
+            plot.add(x, y, kTrace, glow(sums.at(x, y), usual));
 }
 
-Point placeOf(const Plot& plot, const Vector& vector)
+struct Place
 {
-    const float half = static_cast<float>(std::min(plot.size().x, plot.size().y) - 1) / 2.0f;
-    return {static_cast<int>(std::lround(half + vector.cb / kScale * half)),
-            static_cast<int>(std::lround(half - vector.cr / kScale * half))};
+    float x, y;
+};
+
+float halfOf(const Plot& plot)
+{
+    return static_cast<float>(std::min(plot.size().x, plot.size().y) - 1) / 2.0f;
+}
+
+Place placeOf(const Plot& plot, const Vector& vector)
+{
+    const float half = halfOf(plot);
+    return {half + vector.cb / kScale * half, half - vector.cr / kScale * half};
+}
+
+Point pixelOf(const Plot& plot, const Vector& vector)
+{
+    const Place place = placeOf(plot, vector);
+    return {static_cast<int>(std::lround(place.x)), static_cast<int>(std::lround(place.y))};
+}
+
+/// The vector of a pixel.
+Vector vectorOn(const Plot& plot, int x, int y)
+{
+    const float half = halfOf(plot);
+    return {(static_cast<float>(x) / half - 1.0f) * kScale,
+            (1.0f - static_cast<float>(y) / half) * kScale};
+}
+
+/// The vector of a count.
+Vector vectorAt(int column, int row)
+{
+    return {static_cast<float>(column) / (kLevels - 1) - 0.5f,
+            static_cast<float>(row) / (kLevels - 1) - 0.5f};
 }
 
 void drawVectorScale(Plot& plot)
 {
-    const Point middle = placeOf(plot, {0.0f, 0.0f});
+    const Point middle = pixelOf(plot, {0.0f, 0.0f});
     for (int i = 0; i < std::min(plot.size().x, plot.size().y); ++i) {
         plot.set(i, middle.y, kLine);
         plot.set(middle.x, i, kLine);
     }
     for (int i = 0; i < 720; ++i) {
         const float angle = static_cast<float>(i) * 3.14159265f / 360.0f;
-        const Point at = placeOf(plot, {0.5f * std::cos(angle), 0.5f * std::sin(angle)});
+        const Point at = pixelOf(plot, {0.5f * std::cos(angle), 0.5f * std::sin(angle)});
         plot.set(at.x, at.y, kLine);
     }
     // Boxes for the six colours of bars at 75 %.
     for (int bits = 1; bits < 7; ++bits) {
         const auto part = [bits](int bit) { return (bits & bit) != 0 ? 0.75f : 0.0f; };
-        const Point at = placeOf(plot, vectorOf(part(1), part(2), part(4)));
+        const Point at = pixelOf(plot, vectorOf(part(1), part(2), part(4)));
         for (int i = -3; i <= 3; ++i)
             for (const auto& [x, y] : {Point(i, -3), Point(i, 3), Point(-3, i), Point(3, i)})
                 plot.set(at.x + x, at.y + y, kTarget);
@@ -156,11 +224,11 @@ void drawVectorScale(Plot& plot)
 }
 
 /// The colour of a vector at a pleasant brightness.
-Colour colourOf(float cb, float cr)
+Colour colourOf(const Vector& vector)
 {
     const float luma = 0.6f;
-    const float red = luma + 1.5748f * cr;
-    const float blue = luma + 1.8556f * cb;
+    const float red = luma + 1.5748f * vector.cr;
+    const float blue = luma + 1.8556f * vector.cb;
     return {std::clamp(red, 0.15f, 1.0f),
             std::clamp((luma - 0.2126f * red - 0.0722f * blue) / 0.7152f, 0.15f, 1.0f),
             std::clamp(blue, 0.15f, 1.0f)};
@@ -171,18 +239,19 @@ void drawVectors(Plot& plot, const ScopeCounts* counts)
     drawVectorScale(plot);
     if (!counts)
         return;
-    const float usual = static_cast<float>(counts->pixels) * 0.0004f;
+    Sums sums(plot.size());
     for (int row = 0; row < kLevels; ++row)
         for (int column = 0; column < kLevels; ++column) {
             const std::uint32_t count =
                 counts->vectors[static_cast<std::size_t>(row * kLevels + column)];
-            if (count == 0)
-                continue;
-            const float cb = static_cast<float>(column) / (kLevels - 1) - 0.5f;
-            const float cr = static_cast<float>(row) / (kLevels - 1) - 0.5f;
-            const Point at = placeOf(plot, {cb, cr});
-            plot.add(at.x, at.y, colourOf(cb, cr), glow(static_cast<float>(count), usual));
+            const Place at = placeOf(plot, vectorAt(column, row));
+            if (count > 0)
+                sums.add(at.x, at.y, static_cast<float>(count));
         }
+    const float usual = static_cast<float>(counts->pixels) * 0.004f;
+    for (int y = 0; y < plot.size().y; ++y)
+        for (int x = 0; x < plot.size().x; ++x)
+            plot.add(x, y, colourOf(vectorOn(plot, x, y)), glow(sums.at(x, y), usual));
 }
 
 void drawHistogram(Plot& plot, const ScopeCounts* counts)

@@ -170,6 +170,8 @@ std::vector<EffectControl> controlsOf(const iShaderEffect& effect)
     std::vector<EffectControl> controls;
     for (unsigned int i = 0; i < effect.getNumParams(); ++i) {
         const Tq::Ptr<iShaderParam> param = effect.getParam(i);
+        if (!param->getSemantic().empty() && !param->hasAnnotation("UIName", iShaderParam::eString))
+            continue;
         EffectControl control = controlOf(*param);
         switch (param->getType()) {
         case iShaderParam::eFloat:
@@ -215,7 +217,7 @@ void LiveEffect::follow(EffectPanel& panel)
             effect_->isOutdated() ? troubleOf(wide(effect_->getListing()), file.path) : Text();
     }
     if (isNew_)
-        panel.offer(offered());
+        panel.offer(offered(), techniques());
     panel.trouble = trouble_;
     keepPath(panel);
     isNew_ = false;
@@ -240,6 +242,14 @@ std::vector<EffectControl> LiveEffect::offered() const
     if (isGrade_)
         return gradeControls();
     return effect_ ? controlsOf(*effect_) : std::vector<EffectControl>();
+}
+
+std::vector<Text> LiveEffect::techniques() const
+{
+    std::vector<Text> names;
+    for (unsigned int i = 0; effect_ && i < effect_->getNumTechniques(); ++i)
+        names.push_back(effectNameOf(wide(effect_->getTechniqueName(i))));
+    return names;
 }
 
 void LiveEffect::load(const Text& path)
@@ -280,9 +290,10 @@ void LiveEffect::retry(const Text& path)
 
 void LiveEffect::keepPath(const EffectPanel& panel)
 {
-    if (!isNew_ && panel.controls == used_)
+    if (!isNew_ && panel.controls == used_ && panel.technique == usedTechnique_)
         return;
     used_ = panel.controls;
+    usedTechnique_ = panel.technique;
     shown_.reset();
     if (isGrade_ && used_.size() == 4) {
         auto path = std::make_shared<PicturePath>();
@@ -291,6 +302,8 @@ void LiveEffect::keepPath(const EffectPanel& panel)
     } else if (effect_) {
         auto path = std::make_shared<PicturePath>();
         path->technique.effect_ = effect_;
+        path->technique.name_ =
+            effect_->getTechniqueName(static_cast<unsigned int>(usedTechnique_));
         path->technique.values_ = valuesOf(used_);
         shown_ = std::move(path);
     }

@@ -26,8 +26,8 @@ Text effectNameOf(const Text& path);
 /// A compiler's listing as the panel shows it: "line 12: text", the file's name before it where it
 /// is another than the effect's own; broken into short lines.
 Text troubleOf(const Text& listing, const Text& effectPath);
-/// Sliders for what an effect lets the host set, from its annotations: "UIName", "UIMin", "UIMax",
-/// "UIStep".
+/// Sliders for what an effect lets the user set, from its annotations: "UIName", "UIMin", "UIMax",
+/// "UIStep". What has a semantic instead of a name is the host's.
 std::vector<EffectControl> controlsOf(const iShaderEffect& effect);
 
 /// The effect that the viewer's picture is passed through: loads what the panel has chosen, and
@@ -50,6 +50,7 @@ private:
     void retry(const Text& path);
     void keepPath(const EffectPanel& panel);
     std::vector<EffectControl> offered() const;
+    std::vector<Text> techniques() const;
 
     EffectFile file_;
     bool isGrade_ = false;
@@ -59,7 +60,8 @@ private:
     bool isNew_ = false; ///< since the panel was told
     Text trouble_;
     double lookedMs_ = 0.0;
-    std::vector<EffectControl> used_; ///< in shown_
+    std::vector<EffectControl> used_; ///< in shown_, and so the next
+    int usedTechnique_ = 0;
     Path shown_;
 };
 

@@ -55,6 +55,8 @@ void EffectPanel::choose(int direction)
     const int count = static_cast<int>(files.size()) + 1;
     chosen = (chosen + 1 + direction % count + count) % count - 1;
     controls.clear();
+    techniques.clear();
+    technique = 0;
     trouble.clear();
     selected = 0;
     scroll = 0;
@@ -74,8 +76,26 @@ Text EffectPanel::name() const
     return chosen == kNone ? Text(L"No effect") : files[static_cast<std::size_t>(chosen)].name;
 }
 
-void EffectPanel::offer(std::vector<EffectControl> offered)
+void EffectPanel::chooseTechnique(int direction)
 {
+    const int count = static_cast<int>(techniques.size());
+    if (count > 0)
+        technique = (technique + direction % count + count) % count;
+}
+
+Text EffectPanel::techniqueName() const
+{
+    return techniques.size() > 1 ? techniques[static_cast<std::size_t>(technique)] : Text();
+}
+
+void EffectPanel::offer(std::vector<EffectControl> offered, std::vector<Text> offeredTechniques)
+{
+    const Text kept = techniqueName();
+    techniques = std::move(offeredTechniques);
+    technique = 0;
+    for (std::size_t i = 0; i < techniques.size(); ++i)
+        if (techniques[i] == kept)
+            technique = static_cast<int>(i);
     for (EffectControl& control : offered) {
         const auto before = std::find_if(controls.begin(), controls.end(),
                                          [&](const auto& other) { return isSame(control, other); });

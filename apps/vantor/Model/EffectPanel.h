@@ -44,7 +44,9 @@ struct EffectPanel
     static constexpr int kNone = -1;
 
     std::vector<EffectFile> files;
-    int chosen = kNone; ///< the pictures are shown as they are
+    int chosen = kNone;           ///< the pictures are shown as they are
+    std::vector<Text> techniques; ///< ways in which the effect can be done; for people
+    int technique = 0;
     std::vector<EffectControl> controls;
     int selected = 0; ///< the slider that the arrow keys move
     int scroll = 0;
@@ -54,9 +56,11 @@ struct EffectPanel
     void choose(int direction);
     /// The one of that name; none where there is none.
     void choose(const Text& name);
+    void chooseTechnique(int direction);
     Text name() const;
+    Text techniqueName() const; ///< empty where there is no choice
     /// Takes over what an effect offers; what has the same name keeps its value.
-    void offer(std::vector<EffectControl> offered);
+    void offer(std::vector<EffectControl> offered, std::vector<Text> offeredTechniques = {});
     void reset();
     void reset(int control);
 };

@@ -129,6 +129,7 @@ Layout layoutOf(const EditorState& state)
     LayoutChoices choices = state.choices;
     choices.sliders = static_cast<int>(state.effects.controls.size());
     choices.sliderScroll = state.effects.scroll;
+    choices.techniques = state.effects.techniques.size() > 1;
     const Text& trouble = state.effects.trouble;
     choices.troubleLines = static_cast<int>(std::count(trouble.begin(), trouble.end(), L'\n'));
     if (!trouble.empty() && !trouble.endsWith(L'\n'))

@@ -42,6 +42,11 @@ void Interaction::pressEffectButton(int button)
     case EffectButton::eNext:
         chooseEffect(1);
         break;
+    case EffectButton::ePreviousTechnique:
+    case EffectButton::eNextTechnique:
+        state_.effects.chooseTechnique(
+            static_cast<EffectButton>(button) == EffectButton::eNextTechnique ? 1 : -1);
+        break;
     case EffectButton::eReset:
         state_.effects.reset();
         break;

@@ -99,11 +99,18 @@ void layOutEffects(Layout& l, const LayoutChoices& choices)
     const int top = l.effectsHeader.bottom + kMargin;
     const int left = l.effects.left + kPadding;
     const int right = l.effects.right - kPadding;
-    l.effectButtons = {Rect{left, top, left + 22, top + 22}, Rect{right - 22, top, right, top + 22},
+    const int below = top + 26;
+    const auto step = [](int x, int y) { return Rect{x, y, x + 22, y + 22}; };
+    l.effectButtons = {step(left, top), step(right - 22, top),
+                       choices.techniques ? step(left, below) : Rect(),
+                       choices.techniques ? step(right - 22, below) : Rect(),
                        Rect{l.effects.right - 52, l.effectsHeader.top + 4, l.effects.right - 6,
                             l.effectsHeader.bottom - 4}};
     l.effectName = {left + 26, top, right - 26, top + 22};
-    l.sliders = {l.effects.left, l.effectName.bottom + kMargin, l.effects.right, l.effects.bottom};
+    if (choices.techniques)
+        l.techniqueName = {left + 26, below, right - 26, below + 22};
+    const int namesEnd = std::max(l.effectName.bottom, l.techniqueName.bottom);
+    l.sliders = {l.effects.left, namesEnd + kMargin, l.effects.right, l.effects.bottom};
     if (choices.troubleLines == 0)
         return;
     // Where there are sliders they keep half of the room.

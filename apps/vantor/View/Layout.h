@@ -10,15 +10,16 @@ namespace Vantor {
 /// What the user or the text decides about the layout.
 struct LayoutChoices
 {
-    int binWidth = 0;       ///< 0: chosen by the window's size
-    int timelineHeight = 0; ///< 0: chosen by the window's size
-    int titleWidth = 126;   ///< of the project's title as drawn
-    double ratio = 1.0;     ///< device pixels for each logical one
-    bool effects = true;    ///< the effects' panel is open
-    bool scopes = true;     ///< the scopes' panel is open
-    int sliders = 0;        ///< of the effect chosen
-    int sliderScroll = 0;   ///< pixels
-    int troubleLines = 0;   ///< about the effect chosen
+    int binWidth = 0;        ///< 0: chosen by the window's size
+    int timelineHeight = 0;  ///< 0: chosen by the window's size
+    int titleWidth = 126;    ///< of the project's title as drawn
+    double ratio = 1.0;      ///< device pixels for each logical one
+    bool effects = true;     ///< the effects' panel is open
+    bool scopes = true;      ///< the scopes' panel is open
+    int sliders = 0;         ///< of the effect chosen
+    int sliderScroll = 0;    ///< pixels
+    int troubleLines = 0;    ///< about the effect chosen
+    bool techniques = false; ///< there are several to choose from
     ViewerChoices viewer = {};
 };
 
@@ -41,6 +42,8 @@ enum class EffectButton : int
 {
     ePrevious,
     eNext,
+    ePreviousTechnique,
+    eNextTechnique,
     eReset
 };
 
@@ -52,7 +55,7 @@ struct Layout
     static constexpr int kTracks = 4;
     static constexpr int kButtons = 3;
     static constexpr int kChips = 9;
-    static constexpr int kEffectButtons = 3;
+    static constexpr int kEffectButtons = 5;
     static constexpr int kTroubleLine = 14;
     static inline const Point kSmallest{960, 600};
     static inline const Point kLargest{7680, 4320};
@@ -81,6 +84,7 @@ struct Layout
     Rect effects; ///< the panel beside the viewer; without area while it is closed
     Rect effectsHeader;
     Rect effectName;
+    Rect techniqueName;                             ///< without area where the effect has but one
     std::array<Rect, kEffectButtons> effectButtons; ///< in the order of EffectButton
     Rect sliders;                                   ///< what the sliders scroll in
     Rect trouble;                                   ///< what is wrong with the effect

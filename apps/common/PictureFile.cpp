@@ -67,13 +67,13 @@ Text savePicture(const Tq::Ptr<iHostImage>& image, const Text& path)
 }
 
 Text saveNewPicture(const Tq::Ptr<iHostImage>& image, const Text& folder, const Text& name,
-                    Text& path)
+                    Text& path, const Text& extension)
 {
     iFileManager* files = OS()->fileMgr();
     if (folder.empty() || !files->createDirectory(folder))
         return L"the folder \"" + folder + L"\" cannot be made";
     const Text base = (folder.endsWith(L'/') ? folder : folder + L'/') + name;
-    path = base + L".png";
+    path = base + L"." + extension;
     const Text written = writeBeside(image, path);
     if (written.empty())
         return cannotWrite(path);
@@ -83,7 +83,7 @@ Text saveNewPicture(const Tq::Ptr<iHostImage>& image, const Text& folder, const 
             return {};
         if (!files->fileExists(path))
             break;
-        path = base + L" " + decimal(i) + L".png";
+        path = base + L" " + decimal(i) + L"." + extension;
     }
     files->deleteFile(written);
     return cannotWrite(path);

@@ -15,13 +15,13 @@ namespace App {
 /// @return what went wrong, in one line, or nothing
 Text savePicture(const Tq::Ptr<iHostImage>& image, const Text& path);
 
-/// Writes a PNG into a folder, which is made where it is missing, under a name that nothing has
+/// Writes a picture into a folder, which is made where it is missing, under a name that nothing has
 /// yet: "NAME.png", "NAME 2.png" and so on.
 ///
 /// @param name without what a file name cannot hold, see fileNameOf
 /// @param path gets the file's path @return what went wrong, in one line, or nothing
 Text saveNewPicture(const Tq::Ptr<iHostImage>& image, const Text& folder, const Text& name,
-                    Text& path);
+                    Text& path, const Text& extension = L"png");
 
 /// A text as a part of a file name: of a sound length, without separators, control characters and
 /// what other systems do not take, and not hidden. Never empty.

@@ -7,7 +7,8 @@ namespace Vantor {
 
 const char* const kHelp =
     "Usage: vantor [FOLDER] [--frame FILE.png | --grab FILE.png] [--size WxH] [--scale S]\n"
-    "              [--at TIME] [--effect FILE.fx] [--play] [--seconds N]\n"
+    "              [--at TIME] [--effect FILE.fx] [--controller DEVICE] [--play]\n"
+    "              [--seconds N]\n"
     "       vantor --gl-report [--json]\n"
     "\n"
     "A small editor: a bin with the pictures of FOLDER, a viewer and a timeline. Without FOLDER "
@@ -23,6 +24,7 @@ const char* const kHelp =
     "  --effect FILE  pass the viewer's picture through an effect, and follow the file while it "
     "is\n"
     "                 edited\n"
+    "  --controller D drive the playhead with midi:NAME or a jog wheel at serial:PATH\n"
     "  --play         play at once; the last line tells frames shown and dropped\n"
     "  --seconds N    run for N seconds and quit\n"
     "  --gl-report    tell what the graphics driver says of itself; --json for programs\n"
@@ -36,13 +38,15 @@ const char* const kHelp =
     "makes a\n"
     "transition; [ and ] change the rate, Control-L the loop. The wheel zooms, Delete removes a\n"
     "clip, or a picture of the bin to the trash, Control-Z takes back, Control-E writes the\n"
-    "viewer's frame. Escape quits.\n";
+    "viewer's frame (Control-T chooses its type), Control-G puts the screen into the bin. Escape\n"
+    "quits.\n";
 
 Text parse(int count, const char* const* arguments, CommandLine& line)
 {
     const SizeLimits limits{Layout::kSmallest, Layout::kLargest};
-    const Text wrong = parseOptions(count, arguments, limits, line,
-                                    {{"--at", true}, {"--effect", true}, {"--play", false}});
+    const Text wrong = parseOptions(
+        count, arguments, limits, line,
+        {{"--at", true}, {"--effect", true}, {"--controller", true}, {"--play", false}});
     if (!wrong.empty())
         return wrong;
     line.play = line.own.count("--play") > 0;
@@ -55,6 +59,12 @@ Text parse(int count, const char* const* arguments, CommandLine& line)
         line.effect = line.own["--effect"];
         if (line.effect.empty())
             return L"--effect needs the name of a file";
+    }
+    if (line.own.count("--controller") > 0) {
+        line.controller = controllerOf(line.own["--controller"]);
+        if (line.controller.kind == ControllerPlace::Kind::eNone)
+            return L"--controller takes midi:NAME or serial:PATH, not \"" +
+                   line.own["--controller"] + L"\"";
     }
     line.sizeGiven = line.size.x > 0;
     if (!line.sizeGiven)

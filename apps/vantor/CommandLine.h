@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Control/Controller.h"
 #include "Model/Text.h"
 #include "common/CommandOptions.h"
 
@@ -12,7 +13,8 @@ struct CommandLine : CommandOptions
     bool sizeGiven = false; ///< size is what was asked for, not the default
     Text at;                ///< time code of the playhead at first; empty: not said
     Text effect;            ///< a file: the viewer's picture is passed through it; empty: not said
-    bool play = false;      ///< at once, and tell at the end what became of the frames
+    ControllerPlace controller; ///< that drives the playhead; none: not said
+    bool play = false;          ///< at once, and tell at the end what became of the frames
 };
 
 /// Reads the arguments behind the program's name.

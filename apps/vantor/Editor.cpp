@@ -2,8 +2,10 @@
 
 #include "FrameWriter.h"
 #include "Model/Removal.h"
+#include "common/PictureFile.h"
 
 #include <OS.h>
+#include <OS/Media/iMediaServices.h>
 #include <OS/Windowing/iWindowManager.h>
 
 #include <algorithm>
@@ -19,6 +21,7 @@ constexpr unsigned int kFollowTickMs = 40; ///< where a video window shows the f
 constexpr unsigned int kCaretMs = 530;
 constexpr unsigned int kFactsMs = 250;
 constexpr unsigned int kEffectMs = 500;
+constexpr unsigned int kLightMs = 150;
 constexpr unsigned int kSaveMs = 800; ///< without a further change before it is saved
 constexpr int kLoadsPerFrame = 4;
 
@@ -97,6 +100,9 @@ void Editor::detach()
     saveTimer_.reset();
     playTimer_.reset();
     factsTimer_.reset();
+    controller_.reset();
+    opened_ = {};
+    lightTimer_.reset();
     effectTimer_.reset();
     effect_ = LiveEffect();
     caretTimer_.reset();
@@ -109,6 +115,7 @@ void Editor::remember(Tq::Ptr<iSettings> settings, const Session& session)
 {
     settings_ = std::move(settings);
     session_ = session;
+    stillTypeTold_ = state_.stillType;
 }
 
 void Editor::allowFiles(std::vector<Text> sampleFolders, const Text& exportFolder)
@@ -134,6 +141,8 @@ void Editor::keepSession()
     session.viewer.shift = {};
     session.effects = state_.choices.effects;
     session.scopes = state_.choices.scopes;
+    session.controller = textOf(state_.controller);
+    session.stillType = state_.stillType;
     session.effect = state_.effects.chosen == EffectPanel::kNone ? Text() : state_.effects.name();
     if (session == session_)
         return;
@@ -148,12 +157,92 @@ void Editor::saveSession()
     settings_->persist();
 }
 
+// Devices come and go: one that is asked for anew is looked for anew.
+void Editor::keepController()
+{
+    if (state_.nextController) {
+        state_.nextController = false;
+        const std::vector<ControllerPlace> places = findControllers();
+        const auto found = std::find(places.begin(), places.end(), state_.controller);
+        const auto next = found == places.end() ? places.begin() : found + 1;
+        state_.controller = next == places.end() ? ControllerPlace() : *next;
+        if (places.empty())
+            state_.message = L"no MIDI device or serial port is attached";
+    }
+    if (!window_ || state_.controller == opened_)
+        return;
+    opened_ = state_.controller;
+    controller_.reset();
+    controller_ = Controller::open(
+        opened_, [commands = commands_, window = window_](const ControlCommand* command) {
+            commands->add(command);
+            window->postUserMessage();
+        });
+    state_.controllerOpen = bool(controller_);
+    if (!controller_ && opened_.kind != ControllerPlace::Kind::eNone)
+        state_.message = opened_.name + L" cannot be opened";
+}
+
+void Editor::obeyController()
+{
+    using Kind = ControlCommand::Kind;
+    Transport& player = state_.player;
+    const std::vector<ControlCommand> commands = commands_->take();
+    for (const ControlCommand& command : commands) {
+        switch (command.kind) {
+        case Kind::eJog:
+            player.step(command.value);
+            break;
+        case Kind::eShuttle:
+            player.playAt(command.value);
+            break;
+        case Kind::ePlay:
+            player.toggle();
+            break;
+        case Kind::eStop:
+            player.stop();
+            break;
+        case Kind::eForwards:
+            player.shuttle(1);
+            break;
+        case Kind::eBackwards:
+            player.shuttle(-1);
+            break;
+        }
+    }
+    if (!commands.empty())
+        state_.view.reveal(player.frame(), layoutOf(state_).lanes.width());
+    if (commands_->received() != heard_) {
+        heard_ = commands_->received();
+        state_.controllerLit = true;
+        if (window_)
+            lightTimer_ = window_->createTimer(kLightMs);
+    }
+}
+
+void Editor::grabScreen()
+{
+    Text path;
+    const Tq::Ptr<iHostImage> screen = OS()->mediaServices()->grabScreen({0, 0});
+    const Text failure = screen ? saveNewPicture(screen, exportFolder_, L"Screen", path)
+                                : Text(L"the screen cannot be grabbed here");
+    if (failure.empty())
+        interaction_.dropFile(path);
+    else
+        state_.message = failure;
+}
+
 void Editor::runErrands()
 {
     const int item = state_.itemToRemove;
     const bool exports = state_.frameToExport;
     state_.itemToRemove = MediaBin::kNone;
-    state_.frameToExport = false;
+    const bool grabs = state_.screenToGrab;
+    state_.frameToExport = state_.screenToGrab = false;
+    if (state_.stillType != stillTypeTold_) {
+        stillTypeTold_ = state_.stillType;
+        state_.message = L"frames are written as " + stillExtension(state_.stillType);
+    }
     if (!filesAllowed_)
         return;
     if (item != MediaBin::kNone) {
@@ -167,6 +256,8 @@ void Editor::runErrands()
         const Text failure = exportFrame(state_, exportFolder_, path);
         state_.message = failure.empty() ? L"frame written to " + path : failure;
     }
+    if (grabs)
+        grabScreen();
 }
 
 void Editor::quitAfter(int seconds)
@@ -209,6 +300,7 @@ iEventHandler::eRC Editor::changed()
     if (state_.quitting)
         return eQuit;
     runErrands();
+    keepController();
     keepViewer();
     if (window_) {
         keepSession();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Control/ControlQueue.h"
 #include "Drawing/Scene.h"
 #include "Effects/LiveEffect.h"
 #include "Model/PlayCount.h"
@@ -62,6 +63,9 @@ private:
     void keepTimers();
     void keepViewer();
     void keepEffect();
+    void keepController();
+    void obeyController();
+    void grabScreen();
     eRC learnFacts();
     void keepCursor();
     void keepTitle();
@@ -96,6 +100,12 @@ private:
     Tq::Ptr<iTimer> effectTimer_; ///< looks whether somebody edits the effect's file
     std::unique_ptr<Viewer> viewer_;
     LiveEffect effect_;
+    Tq::Ptr<iTimer> lightTimer_; ///< puts the controller's light out
+    std::shared_ptr<ControlQueue> commands_ = std::make_shared<ControlQueue>();
+    std::uint64_t heard_ = 0; ///< messages of the controller that the light was on for
+    ControllerPlace opened_;
+    int stillTypeTold_ = 0;
+    std::unique_ptr<Controller> controller_;
     bool playsWhenDrawn_ = false;
 
     iMouseCursor::eStockCursor cursor_ = iMouseCursor::eArrow;

@@ -44,8 +44,14 @@ iEventHandler::eRC Editor::handlePaint(const PaintEvent&)
     return eContinue;
 }
 
+// Frames that were asked for, and what a controller says.
 iEventHandler::eRC Editor::handleUserMessage(const UserMessage&)
 {
+    if (commands_->received() != heard_) {
+        obeyController();
+        frameRequested_ = false;
+        return changed();
+    }
     frameRequested_ = false;
     if (window_)
         draw(window_->getPrimitivesRenderer(true));
@@ -96,6 +102,9 @@ iEventHandler::eRC Editor::handleTimer(const TimerEvent& event)
         return eContinue;
     } else if (isTick(factsTimer_, event)) {
         return learnFacts();
+    } else if (isTick(lightTimer_, event)) {
+        lightTimer_.reset();
+        state_.controllerLit = false;
     } else if (isTick(effectTimer_, event)) {
         const LiveEffect::Path before = effect_.path();
         const Text trouble = state_.effects.trouble;

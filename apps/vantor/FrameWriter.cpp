@@ -8,6 +8,10 @@
 #include "common/PictureFile.h"
 #include "common/ScreenGrab.h"
 
+#include <OS.h>
+#include <OS/Media/iMediaServices.h>
+
+#include <algorithm>
 #include <limits>
 
 namespace Vantor {
@@ -46,6 +50,14 @@ Text exportName(const EditorState& state)
     return fileNameOf(state.project.title) + L" " + time;
 }
 
+Text stillExtension(int type)
+{
+    std::vector<iMediaServices::ImageType> types;
+    OS()->mediaServices()->getSavableImageTypes(types);
+    const std::size_t index = static_cast<std::size_t>(std::max(type, 0)) % types.size();
+    return types[index].extensions_.front().toLower();
+}
+
 Text exportFrame(const EditorState& state, const Text& folder, Text& path)
 {
     auto edit = std::make_shared<Edit>();
@@ -56,7 +68,8 @@ Text exportFrame(const EditorState& state, const Text& folder, Text& path)
         maker.draw({edit, state.player.rate(), kSequenceSize}, state.player.frame());
     if (!surface)
         return L"a picture of this size cannot be made";
-    return saveNewPicture(surface, folder, exportName(state), path);
+    return saveNewPicture(surface, folder, exportName(state), path,
+                          stillExtension(state.stillType));
 }
 
 } // namespace Vantor

@@ -18,8 +18,11 @@ Text grabFrame(EditorState state, const Text& path);
 
 /// The name for a picture of the frame under the playhead: "Harbour 00;00;12;05".
 Text exportName(const EditorState& state);
-/// Writes the picture under the playhead, as large as the sequence, into a folder as a PNG file of
-/// a new name.
+/// The extension of a type of still, without the dot, lower case: counted round and round those
+/// that the library can save.
+Text stillExtension(int type);
+/// Writes the picture under the playhead, as large as the sequence, into a folder as a file of a
+/// new name, of the state's type.
 ///
 /// @param path gets the file's path @return what went wrong, in one line, or nothing
 Text exportFrame(const EditorState& state, const Text& folder, Text& path);

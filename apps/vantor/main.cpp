@@ -115,6 +115,8 @@ void useSession(EditorState& state, const Session& session)
     state.choices.effects = session.effects;
     state.choices.scopes = session.scopes;
     state.effects.choose(session.effect);
+    state.controller = controllerOf(session.controller);
+    state.stillType = session.stillType;
 }
 
 /// The product's effects, and the one of the command line, which is chosen.
@@ -209,6 +211,8 @@ int runWindow(const CommandLine& line)
     useSession(state, session);
     if (!line.effect.empty())
         offerEffects(state, line.effect);
+    if (line.controller.kind != ControllerPlace::Kind::eNone)
+        state.controller = line.controller;
     goTo(state, line.at);
     return runLoop(std::move(state), session, settings, line);
 }

@@ -30,6 +30,31 @@ void drawEditor(Scene& scene)
     }
 }
 
+namespace {
+
+/// The controller's name behind a light that is on while something comes from it.
+void drawController(Scene& scene)
+{
+    const Rect& box = scene.layout.controller;
+    const EditorState& state = scene.state;
+    Canvas& canvas = scene.canvas;
+    const bool none = state.controller.kind == ControllerPlace::Kind::eNone;
+    const bool hovered = state.hover.area == Area::eController;
+    const Text name = none ? Text(L"no controller") : nameOf(state.controller.name);
+    const int right = box.right - 22;
+    const int width = canvas.textRight(
+        canvas.fitted(name, box.width() - 34, Theme::kFact), right, baselineIn(box, Theme::kFact),
+        Theme::kFact, hovered || state.controllerOpen ? Theme::kText : Theme::kDim);
+    const int y = centreOf(box).y;
+    const NormalisedRGB light = state.controllerLit    ? Theme::kKey
+                                : state.controllerOpen ? Theme::rgb(0x4FA36A)
+                                                       : Theme::kTick;
+    const int x = right - width - 12;
+    canvas.ellipse({x - 4, y - 4, x + 4, y + 4}, light);
+}
+
+} // namespace
+
 void drawTopBar(Scene& scene)
 {
     const Layout& l = scene.layout;
@@ -55,12 +80,12 @@ void drawTopBar(Scene& scene)
                        : changes == 1 ? Text(L"1 change")
                                       : decimal(changes) + L" changes";
     const int baseline = baselineIn(l.topBar, Theme::kFact);
-    const int right = l.size.x - 16;
-    const int width = canvas.textRight(saved, right, baseline, Theme::kFact, Theme::kDim);
+    canvas.textRight(saved, l.size.x - 16, baseline, Theme::kFact, Theme::kDim);
+    drawController(scene);
     const int left = l.title.right + 3;
     const Text facts =
         L"sequence 1 \u00b7 1920 x 1080 \u00b7 " + state.player.rate().text() + L" fps";
-    canvas.text(canvas.fitted(facts, right - width - 24 - left, Theme::kFact), left, baseline,
+    canvas.text(canvas.fitted(facts, l.controller.left - 12 - left, Theme::kFact), left, baseline,
                 Theme::kFact, Theme::kDim);
 }
 

@@ -29,6 +29,8 @@ Session readSession(const Tq::Ptr<iSettings>& settings)
     session.effects = values.flag("Effects", true);
     session.scopes = values.flag("Scopes", true);
     session.effect = values.text("Effect", Text());
+    session.controller = values.text("Controller", Text());
+    session.stillType = values.integer("StillType", 0, 0, 99);
     return session;
 }
 
@@ -50,6 +52,11 @@ void writeSession(const Tq::Ptr<iSettings>& settings, const Session& session)
     values.setFlag("FrameNumber", session.viewer.frameNumber);
     values.setFlag("Effects", session.effects);
     values.setFlag("Scopes", session.scopes);
+    values.setInteger("StillType", session.stillType);
+    if (session.controller.empty())
+        values.remove("Controller");
+    else
+        values.setText("Controller", session.controller);
     if (session.effect.empty())
         values.remove("Effect");
     else

@@ -22,7 +22,9 @@ struct Session
     ViewerChoices viewer; ///< without the place of the picture
     bool effects = true;  ///< whether the panel is open; so for the scopes
     bool scopes = true;
-    Text effect; ///< the name of the one chosen; empty: none
+    Text effect;     ///< the name of the one chosen; empty: none
+    Text controller; ///< "midi:NAME" or "serial:PATH"; empty: none
+    int stillType = 0;
 
     friend bool operator==(const Session&, const Session&) = default;
 };

@@ -81,6 +81,12 @@ void Transport::shuttle(int direction)
     anchor(frame_, onward ? direction * std::min(std::abs(speed_) * 2, kFastest) : direction);
 }
 
+void Transport::playAt(int speed)
+{
+    update();
+    anchor(frame_, std::clamp(speed, -kFastest, kFastest));
+}
+
 void Transport::step(int frames)
 {
     update();

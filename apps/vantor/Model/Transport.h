@@ -44,6 +44,8 @@ public:
     /// J-K-L: each press of L plays forwards, then 2, 4 and 8 times as fast; J the same backwards.
     /// A press against the direction turns round at normal speed.
     void shuttle(int direction);
+    /// Plays at so many times the normal speed, backwards below 0; 0 stops.
+    void playAt(int speed);
     /// Moves by whole frames and stops.
     void step(int frames);
     /// Goes to a frame, or to the nearest there is; playing goes on from there.

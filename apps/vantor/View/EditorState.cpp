@@ -145,6 +145,8 @@ Hit hitTest(const EditorState& state, const Layout& layout, const Point& p)
         return {Area::eTimelineEdge, 0};
     if (layout.title.contains(p))
         return {Area::eTitle, 0};
+    if (layout.controller.contains(p))
+        return {Area::eController, 0};
     if (layout.bin.contains(p))
         return hitBin(state, layout, p);
     for (std::size_t i = 0; i < layout.buttons.size(); ++i)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Control/Controller.h"
 #include "Model/EffectPanel.h"
 #include "Model/MediaBin.h"
 #include "Model/Project.h"
@@ -31,6 +32,7 @@ enum class Area
     eEffects,
     eSlider, ///< the index is the slider's
     eScopes,
+    eController,
     eRuler,
     ePlayhead,
     eClip, ///< the index is the clip's; so for its two edges
@@ -126,12 +128,19 @@ struct EditorState
     Hit pressed;
     Drag drag;
 
+    ControllerPlace controller; ///< asked for; the editor opens it
+    bool controllerOpen = false;
+    bool controllerLit = false; ///< something came from it just now
+
     Text message; ///< for the status line, until the next action
     ShownFrames shown;
     bool fullScreen = false; ///< asked for: the viewer's picture alone
     bool quitting = false;
     int itemToRemove = MediaBin::kNone; ///< asked for; the editor does it and clears it
-    bool frameToExport = false;         ///< likewise
+    bool frameToExport = false;         ///< likewise, and so the next two
+    bool screenToGrab = false;
+    bool nextController = false;
+    int stillType = 0; ///< of the frames that are exported, among the types that can be saved
 
     bool editingText() const { return focus == Focus::eTitle || focus == Focus::eFilter; }
     TextField& activeField() { return focus == Focus::eTitle ? titleField : filterField; }

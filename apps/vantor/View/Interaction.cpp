@@ -296,6 +296,8 @@ void Interaction::release(const Point& point)
         pressChip(hit.index);
     if (state_.pressed.area == Area::eEffectButton && hit == state_.pressed)
         pressEffectButton(hit.index);
+    if (state_.pressed.area == Area::eController && hit == state_.pressed)
+        state_.nextController = true;
     state_.pressed = {};
     state_.hover = hit;
     settle();

@@ -144,6 +144,15 @@ bool Interaction::commandKey(std::uint32_t code, std::uint32_t modifiers)
         leaveField(true);
         state_.frameToExport = true;
         return true;
+    case 'g':
+    case 'G':
+        leaveField(true);
+        state_.screenToGrab = true;
+        return true;
+    case 't':
+    case 'T':
+        ++state_.stillType;
+        return true;
     case 'l':
     case 'L':
         state_.player.setLoop(!state_.player.loops());

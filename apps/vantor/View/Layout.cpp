@@ -166,6 +166,7 @@ Layout makeLayout(const Point& window, const LayoutChoices& choices)
     l.topBar = {0, 0, l.size.x, kTopBar};
     const int titleWidth = std::clamp(choices.titleWidth + 16, 60, l.size.x / 2);
     l.title = {kMargin, 6, kMargin + titleWidth, kTopBar - 6};
+    l.controller = {l.size.x - 330, 6, l.size.x - 110, kTopBar - 6};
     l.status = {0, l.size.y - kStatus, l.size.x, l.size.y};
     const int timelineBottom = l.status.top - 6;
     const int right = l.size.x - kMargin;

@@ -62,7 +62,8 @@ struct Layout
 
     Point size;
     Rect topBar;
-    Rect title; ///< of the project, to be clicked and edited
+    Rect title;      ///< of the project, to be clicked and edited
+    Rect controller; ///< what drives the playhead, to be clicked and changed
 
     Rect bin;
     Rect binHeader;

@@ -169,14 +169,15 @@ void Editor::keepController()
         if (places.empty())
             state_.message = L"no MIDI device or serial port is attached";
     }
-    if (!window_ || state_.controller == opened_)
+    if (state_.controller == opened_)
         return;
     opened_ = state_.controller;
     controller_.reset();
     controller_ = Controller::open(
         opened_, [commands = commands_, window = window_](const ControlCommand* command) {
             commands->add(command);
-            window->postUserMessage();
+            if (window)
+                window->postUserMessage();
         });
     state_.controllerOpen = bool(controller_);
     if (!controller_ && opened_.kind != ControllerPlace::Kind::eNone)

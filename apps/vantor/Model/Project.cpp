@@ -243,12 +243,13 @@ Project makeProject(const std::vector<Material>& materials, const Text& title)
         Project project = sampleProject();
         if (const auto clip = find(L"Test clip"); clip != materials.end() && clip->frames > 0)
             project.clips.push_back({Track::ePicture,
-                                     Timecode::fromSeconds(24),
-                                     std::min(clip->frames, Timecode::fromSeconds(7)),
+                                     Timecode::fromSeconds(23),
+                                     std::min(clip->frames, Timecode::fromSeconds(8)),
                                      clip->name,
                                      Effect::eWarm,
                                      {},
-                                     0});
+                                     0,
+                                     Entrance::ePageTurn});
         return project;
     }
 

@@ -5,6 +5,7 @@
 #include <OS.h>
 #include <OS/Files/iShell.h>
 #include <OS/Media/iMediaServices.h>
+#include <OS/Primitives/iGraphicPrimitivesRenderer.h>
 
 #include <cmath>
 #include <numbers>
@@ -84,29 +85,46 @@ bool Passages::mix(Mixer& mixer, float progress, const Tq::Ptr<iGPUImage>& from,
         {{mixer.effect->getInputName(0), from}, {mixer.effect->getInputName(1), to}}, target);
 }
 
+bool Passages::prepareSpace()
+{
+    if (space_)
+        return true;
+    iMediaServices* media = OS()->mediaServices();
+    paper_ = media->createGPUSurface({8, 8}, iGPUImage::eARGB8);
+    if (!paper_)
+        return false;
+    RectDescription all;
+    all.rect_ = {0, 0, 8, 8};
+    all.topColour_ = all.bottomColour_ = {0.86f, 0.85f, 0.82f};
+    paper_->getPrimitivesRenderer(false)->renderMulti(&all, 1);
+    space_ = media->create3DEffect();
+    if (!space_)
+        return false;
+    // At the page's distance the view is just as high as the page.
+    const float degrees = 2.0f * std::atan(0.5f / kDistance) * 180.0f / kPi;
+    space_->setView({0.0f, 0.0f, kDistance}, {0.0f, 0.0f, 0.0f}, {0.0f, 1.0f, 0.0f});
+    space_->setPerspective(degrees, 0.1f, 10.0f);
+    // What lies flat keeps its colours.
+    i3DEffect::Light light;
+    light.direction_ = {0.9f, 0.0f, -1.0f};
+    light.colour_ = {0.87f, 0.87f, 0.87f};
+    light.ambient_ = {0.353f, 0.353f, 0.353f};
+    space_->setLight(light);
+    return true;
+}
+
 bool Passages::turnPage(float progress, const Tq::Ptr<iGPUImage>& from,
                         const Tq::Ptr<iGPUImage>& to, const Tq::Ptr<iGPUImage>& target)
 {
-    if (!space_) {
-        space_ = OS()->mediaServices()->create3DEffect();
-        if (!space_)
-            return false;
-        // At the page's distance the view is just as high as the page.
-        const float degrees = 2.0f * std::atan(0.5f / kDistance) * 180.0f / kPi;
-        space_->setView({0.0f, 0.0f, kDistance}, {0.0f, 0.0f, 0.0f}, {0.0f, 1.0f, 0.0f});
-        space_->setPerspective(degrees, 0.1f, 10.0f);
-        i3DEffect::Light light;
-        light.direction_ = {-0.35f, 0.0f, -1.0f};
-        light.colour_ = {0.55f, 0.55f, 0.55f};
-        light.ambient_ = {0.48f, 0.48f, 0.48f};
-        space_->setLight(light);
-    }
+    if (!prepareSpace())
+        return false;
     const XY<int> size = from->getSize();
     const float aspect = static_cast<float>(size.x) / static_cast<float>(size.y);
     i3DEffect::Sheet below;
     below.front_ = to;
     i3DEffect::Sheet page;
     page.front_ = from;
+    page.back_ = paper_;
     page.mesh_ = turnedPage(aspect, progress, kColumns, 1);
     page.columns_ = kColumns;
     page.rows_ = 1;

@@ -31,7 +31,10 @@ private:
 
     Mixer dissolve_{L"Dissolve.fx", false, nullptr};
     Mixer wipe_{L"Wipe.fx", false, nullptr};
+    bool prepareSpace();
+
     Tq::Ptr<i3DEffect> space_;
+    Tq::Ptr<iGPUImage> paper_; ///< the back of a page
 };
 
 /// A page of a book that is being turned to the left: rolled around an upright cylinder that goes

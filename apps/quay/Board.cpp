@@ -81,8 +81,9 @@ void Board::quitAfter(int seconds)
 
 void Board::readAll()
 {
-    // What was told of the folders is asked for anew, too.
+    // What was told of the folders and of compute is asked for anew, too.
     state_.data.volumes.folders.clear();
+    state_.data.volumes.compute = {};
     readSeldom();
     readOften();
 }
@@ -102,7 +103,7 @@ void Board::readSeldom()
     gatherMidi(state_.data.midi);
     noticeUnplugging();
     if (volumes_)
-        volumes_->ask(state_.data.volumes.folders);
+        volumes_->ask(state_.data.volumes);
     state_.remake();
 }
 

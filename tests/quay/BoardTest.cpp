@@ -235,7 +235,7 @@ TEST_F(BoardTest, AnyEventsAtAnyPlaceDoNoHarm)
         default:
             mouse(static_cast<std::uint32_t>(next(7)), at);
         }
-        ASSERT_EQ(state().panels.size(), 10u);
+        ASSERT_EQ(state().panels.size(), 11u);
         ASSERT_GE(state().scroll, 0);
         ASSERT_LE(state().scroll, layout().scrollRange);
     }

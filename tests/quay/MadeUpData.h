@@ -93,6 +93,10 @@ inline BoardData madeUpData(int processors, int drives, int monitors)
         data.midi.inputs.push_back({L"Keys " + decimal(i + 1), i == 0 ? L"Kontor" : L"", i > 0});
         data.midi.outputs.push_back({L"Synth " + decimal(i + 1), L"", i > 0});
     }
+    data.volumes.compute = {
+        true,
+        {{L"Runtime", L"Card 1", L"OpenCL 3.0", true, true, true, L""},
+         {L"Processors", L"CPU", L"OpenCL 3.0", false, false, false, L"it is no GPU"}}};
     return data;
 }
 

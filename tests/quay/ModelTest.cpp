@@ -189,12 +189,36 @@ std::vector<Text> keysOf(const std::vector<Panel>& panels)
     return keys;
 }
 
+TEST(PanelsTest, ADeviceThatDoesNotComputeSaysWhy)
+{
+    const auto textsOf = [](const Panel& panel) {
+        std::wstring all;
+        for (const Row& row : panel.rows) {
+            if (const auto* note = std::get_if<NoteRow>(&row))
+                all += std::wstring(note->text.c_str()) + L"|";
+            if (const auto* heading = std::get_if<HeadingRow>(&row))
+                all += std::wstring(heading->text.c_str()) + L" " + heading->fact.c_str() + L"|";
+            if (const auto* fact = std::get_if<FactRow>(&row))
+                all += std::wstring(fact->value.c_str()) + L"|";
+        }
+        return all;
+    };
+    EXPECT_EQ(textsOf(computePanel({})), L"The runtimes have not answered yet|");
+    EXPECT_EQ(textsOf(computePanel({true, {}})), L"No runtime for compute is installed|");
+    const ComputeDevice processor{L"R", L"CPU 1", L"3.0", false, false, false, L"it is no GPU"};
+    const ComputeDevice card{L"S", L"Card", L"1.2", true, true, true, L""};
+    EXPECT_EQ(textsOf(computePanel({true, {processor}})),
+              L"None of them computes for OpenGL|CPU 1 no GPU|R|3.0|apart|it is no GPU|");
+    EXPECT_EQ(textsOf(computePanel({true, {card, processor}})),
+              L"Card chosen|S|1.2|shares images|CPU 1 no GPU|R|3.0|apart|it is no GPU|");
+}
+
 TEST(PanelsTest, TheUsersOrderComesFirst)
 {
     Preferences preferences;
     preferences.order = {L"system", L"no-such-panel", L"memory"};
     const std::vector<Text> keys = keysOf(makePanels({}, preferences));
-    ASSERT_EQ(keys.size(), 10u);
+    ASSERT_EQ(keys.size(), 11u);
     EXPECT_EQ(keys[0], L"system");
     EXPECT_EQ(keys[1], L"memory");
     EXPECT_EQ(keys[2], L"processors");

@@ -199,12 +199,32 @@ struct MidiDevices
     MidiMonitor monitor;
 };
 
-/// What may take its time: volumes that do not answer are asked on another thread.
+/// What could compute, and whether a compute context made now would be on it.
+struct ComputeDevice
+{
+    Text platform; ///< the runtime that offers it
+    Text name;
+    Text version;
+    bool gpu = false;
+    bool sharing = false; ///< with GL
+    bool chosen = false;
+    Text reason; ///< why it is not chosen
+};
+
+struct Compute
+{
+    bool read = false;
+    std::vector<ComputeDevice> devices;
+};
+
+/// What may take its time, and is asked for on another thread: volumes may not answer, runtimes
+/// compile.
 struct Volumes
 {
     Drives drives;
     Network network;
     std::vector<Folder> folders;
+    Compute compute;
 };
 
 struct BoardData

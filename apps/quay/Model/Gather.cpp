@@ -12,6 +12,7 @@
 #include <OS/Files/iMountManager.h>
 #include <OS/Files/iProcessManager.h>
 #include <OS/Files/iShell.h>
+#include <OS/Media/iMediaServices.h>
 #include <OS/Shared/iHeap.h>
 #include <OS/System/iSystemInfo.h>
 
@@ -209,9 +210,25 @@ SystemFacts gatherSystem()
     return facts;
 }
 
-Volumes gatherVolumes(const std::vector<Folder>& before)
+namespace {
+
+Compute gatherCompute()
 {
-    return {gatherDrives(), gatherNetwork(), gatherFolders(before)};
+    std::vector<GPUComputeDevice> found;
+    OS()->mediaServices()->getGPUComputeDevices(found);
+    Compute compute{true, {}};
+    for (const GPUComputeDevice& device : found)
+        compute.devices.push_back({device.platform_, device.device_, device.version_, device.gpu_,
+                                   device.sharing_, device.chosen_, device.reason_});
+    return compute;
+}
+
+} // namespace
+
+Volumes gatherVolumes(const Volumes& before)
+{
+    return {gatherDrives(), gatherNetwork(), gatherFolders(before.folders),
+            before.compute.read ? before.compute : gatherCompute()};
 }
 
 void gatherMidi(MidiDevices& midi)

@@ -38,8 +38,8 @@ void gatherMidi(MidiDevices& midi);
 /// From any thread; may wait for volumes that do not answer.
 ///
 /// @param before what was found last: whether a folder is writable, which is tried with a file, is
-/// asked again only where a folder has come or gone
-Volumes gatherVolumes(const std::vector<Folder>& before);
+/// asked again only where a folder has come or gone; what computes is asked once
+Volumes gatherVolumes(const Volumes& before);
 
 /// The start of a file, at most a megabyte; empty when it cannot be read.
 std::string readText(const Text& path);

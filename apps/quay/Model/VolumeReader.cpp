@@ -26,7 +26,7 @@ struct VolumeReader::Exchange final : public iObject
 class VolumeReader::Question final : public iExecutable
 {
 public:
-    Question(Tq::Ptr<Exchange> exchange, std::vector<Folder> before)
+    Question(Tq::Ptr<Exchange> exchange, Volumes before)
         : exchange_(std::move(exchange)), before_(std::move(before))
     {
     }
@@ -42,7 +42,7 @@ public:
 
 private:
     Tq::Ptr<Exchange> exchange_;
-    std::vector<Folder> before_;
+    Volumes before_;
 };
 
 VolumeReader::VolumeReader(std::function<void()> ready)
@@ -55,7 +55,7 @@ VolumeReader::~VolumeReader()
     queue_->shutdown();
 }
 
-void VolumeReader::ask(const std::vector<Folder>& before)
+void VolumeReader::ask(const Volumes& before)
 {
     if (waiting_)
         return;

@@ -24,7 +24,7 @@ public:
     VolumeReader& operator=(const VolumeReader&) = delete;
 
     /// Asks; does nothing while an answer is awaited. @param before as gatherVolumes takes it
-    void ask(const std::vector<Folder>& before);
+    void ask(const Volumes& before);
     /// @return whether there was an answer
     bool take(Volumes& volumes);
 

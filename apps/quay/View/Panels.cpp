@@ -299,7 +299,8 @@ std::vector<Panel> makePanels(const BoardData& data, const Preferences& preferen
                               settingsPanel(data.settings, preferences),
                               systemPanel(data.system),
                               serialPanel(data.serial, preferences),
-                              midiPanel(data.midi)};
+                              midiPanel(data.midi),
+                              computePanel(data.volumes.compute)};
     const std::vector<Text>& order = preferences.order;
     std::stable_sort(panels.begin(), panels.end(), [&](const Panel& a, const Panel& b) {
         return std::find(order.begin(), order.end(), a.key) <

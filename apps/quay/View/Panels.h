@@ -20,6 +20,7 @@ Panel foldersPanel(const std::vector<Folder>& folders);
 Panel settingsPanel(const std::vector<SettingsStore>& stores, const Preferences& preferences);
 Panel systemPanel(const SystemFacts& system);
 Panel midiPanel(const MidiDevices& midi);
+Panel computePanel(const Compute& compute);
 Panel serialPanel(const SerialPorts& serial, const Preferences& preferences);
 
 /// Moves a panel to the place of another one. @return the keys in their new order

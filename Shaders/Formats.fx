@@ -105,7 +105,7 @@ float4 fromVYUY(float2 place : TEXCOORD0) : COLOR
     return pairColour(bytes.zyxw, which);
 }
 
-technique FromRGB8 { pass P0 PASS(fromRGB) }
+technique FromRGB8 < bool UIHidden = true; > { pass P0 PASS(fromRGB) }
 technique FromBGR8 { pass P0 PASS(fromBGR) }
 technique FromYUV8 { pass P0 PASS(fromYUV) }
 technique FromUYVY { pass P0 PASS(fromUYVY) }

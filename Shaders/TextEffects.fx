@@ -13,7 +13,7 @@ float4 coverage(float2 place : TEXCOORD0) : COLOR
     return float4(covered, max(covered.r, max(covered.g, covered.b)));
 }
 
-technique ClearTypeBlend
+technique ClearTypeBlend < bool UIHidden = true; >
 {
     pass P0
     {

@@ -64,6 +64,18 @@ Text explained(const Text& line, const Text& effectPath)
            line.substr(open + 1, close - open - 1) + L": " + words;
 }
 
+/// For programs, not for people: the first technique says so.
+bool isHidden(const iFXFile& file)
+{
+    if (file.getTechniques().empty())
+        return false;
+    const auto& annotations = file.getTechniques().front().annotations_;
+    return std::any_of(annotations.begin(), annotations.end(), [](const auto& annotation) {
+        return annotation.name_ == "UIHidden" && !annotation.value_.numbers_.empty() &&
+               annotation.value_.numbers_.front() != 0.0;
+    });
+}
+
 EffectControl controlOf(const iShaderParam& param)
 {
     EffectControl control;
@@ -155,7 +167,7 @@ std::vector<EffectFile> findEffects()
     for (const iFileManager::DirectoryItem& item : items) {
         const Text path = folder + item.name_;
         const Tq::Ptr<iFXFile> file = OS()->mediaServices()->compileFXFile(path);
-        if (!file->isCompiled() || inputsOf(*file) == 1)
+        if (!file->isCompiled() || (inputsOf(*file) == 1 && !isHidden(*file)))
             found.push_back({path, effectNameOf(path)});
     }
     std::sort(found.begin(), found.end(),

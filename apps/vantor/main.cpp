@@ -227,6 +227,8 @@ int runFrame(const CommandLine& line)
     offerEffects(state, line.effect);
     goTo(state, line.at);
     const bool grabs = !line.grabFile.empty();
+    if (grabs)
+        state.controller = line.controller;
     const Text failure = grabs ? grabFrame(std::move(state), line.grabFile)
                                : writeFrame(std::move(state), line.scale, line.frameFile);
     return failure.empty() ? EXIT_SUCCESS : fail(failure, EXIT_FAILURE);

@@ -236,6 +236,49 @@ TEST_F(FilesTest, ControlEWritesAFrameUnderANewNameEachTime)
     EXPECT_EQ(image->getSize(), XY<int>(1920, 1080));
 }
 
+TEST_F(FilesTest, FramesAreWrittenInEveryTypeThatCanBeSaved)
+{
+    EditorState state = makeEditorState(bin(), L"Dawn");
+    state.player.seek(112);
+    const Tq::Ptr<Editor> editor(new Editor(state));
+    editor->allowFiles({}, wide(home_.string() + "/"));
+    std::vector<iMediaServices::ImageType> types;
+    OS()->mediaServices()->getSavableImageTypes(types);
+    for (std::size_t i = 0; i < types.size(); ++i) {
+        press(*editor, 'e', Key::eControl);
+        const Text extension = types[i].extensions_.front().toLower();
+        const Text path = wide((home_ / "Dawn 00;00;04;12.").string()) + extension;
+        EXPECT_EQ(narrow(editor->state().message), narrow(L"frame written to " + path));
+        const Tq::Ptr<iHostImage> image = OS()->mediaServices()->loadImage(path);
+        ASSERT_TRUE(image) << narrow(path);
+        EXPECT_EQ(image->getSize(), XY<int>(1920, 1080)) << narrow(path);
+        press(*editor, 't', Key::eControl);
+        const auto& next = types[(i + 1) % types.size()];
+        EXPECT_EQ(narrow(editor->state().message),
+                  narrow(L"frames are written as " + next.extensions_.front().toLower()));
+    }
+}
+
+/// With a display of its own.
+class OnDisplayFilesTest : public FilesTest
+{
+};
+
+TEST_F(OnDisplayFilesTest, ControlGPutsAPictureOfTheScreenIntoTheBin)
+{
+    if (!std::getenv("OPENCL_LAYERS"))
+        GTEST_SKIP() << "the suite brings a display";
+    const Tq::Ptr<Editor> editor(new Editor(makeEditorState(bin(), Text())));
+    editor->allowFiles({}, wide(home_.string() + "/"));
+    press(*editor, 'g', Key::eControl);
+    const MediaBin& after = editor->state().bin;
+    ASSERT_EQ(after.items.size(), 3u) << narrow(editor->state().message);
+    EXPECT_EQ(narrow(after.items.back().path), (home_ / "Screen.png").string());
+    const Tq::Ptr<iHostImage> image = OS()->mediaServices()->loadImage(after.items.back().path);
+    ASSERT_TRUE(image);
+    EXPECT_GT(image->getSize().x, 100);
+}
+
 TEST_F(FilesTest, AFolderThatCannotBeMadeIsTold)
 {
     std::ofstream(home_ / "file") << "not a folder";

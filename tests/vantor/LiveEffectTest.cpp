@@ -18,7 +18,7 @@ namespace Vantor {
 namespace {
 
 /// With GL: an effect's file, edited while it is used.
-class LiveEffectScopesTest : public testing::Test
+class OnDisplayLiveEffectTest : public testing::Test
 {
 protected:
     void SetUp() override
@@ -63,7 +63,7 @@ protected:
     LiveEffect effect_;
 };
 
-TEST_F(LiveEffectScopesTest, FollowsItsFileThroughMistakes)
+TEST_F(OnDisplayLiveEffectTest, FollowsItsFileThroughMistakes)
 {
     write("Amount", "2");
     panel_.chosen = 0;
@@ -89,7 +89,7 @@ TEST_F(LiveEffectScopesTest, FollowsItsFileThroughMistakes)
     EXPECT_NE(effect_.path(), before);
 }
 
-TEST_F(LiveEffectScopesTest, IsTakenOnceItCanBeUsed)
+TEST_F(OnDisplayLiveEffectTest, IsTakenOnceItCanBeUsed)
 {
     write("Amount", "2", true);
     panel_.chosen = 0;

@@ -53,7 +53,7 @@ std::uint64_t sum(const std::vector<std::uint32_t>& counts)
 }
 
 /// Needs a device that computes: the suite brings one.
-class ScopesTest : public testing::Test
+class OnDisplayScopesTest : public testing::Test
 {
 protected:
     void SetUp() override
@@ -78,7 +78,7 @@ protected:
     }
 };
 
-TEST_F(ScopesTest, BarsGiveTheVectorsOfTheTextbook)
+TEST_F(OnDisplayScopesTest, BarsGiveTheVectorsOfTheTextbook)
 {
     const Point size{280, 40};
     const auto counts =
@@ -103,7 +103,7 @@ TEST_F(ScopesTest, BarsGiveTheVectorsOfTheTextbook)
     }
 }
 
-TEST_F(ScopesTest, ARampIsAStraightLineOfTheWaveform)
+TEST_F(OnDisplayScopesTest, ARampIsAStraightLineOfTheWaveform)
 {
     const auto counts = measure(picture({256, 16}, [](int x, int) {
         const auto level = static_cast<Pixel>(x);
@@ -119,7 +119,7 @@ TEST_F(ScopesTest, ARampIsAStraightLineOfTheWaveform)
     EXPECT_EQ(sum(counts->waveform), 256u * 16u) << "and nothing else";
 }
 
-TEST_F(ScopesTest, EveryMeasurementBeginsAnew)
+TEST_F(OnDisplayScopesTest, EveryMeasurementBeginsAnew)
 {
     Text trouble;
     const std::unique_ptr<ScopeMeter> meter = ScopeMeter::make(trouble);
@@ -134,7 +134,7 @@ TEST_F(ScopesTest, EveryMeasurementBeginsAnew)
     EXPECT_FALSE(meter->measure(nullptr));
 }
 
-TEST_F(ScopesTest, AGradeChangesColoursByItsFormula)
+TEST_F(OnDisplayScopesTest, AGradeChangesColoursByItsFormula)
 {
     const std::unique_ptr<Grade> grade = Grade::make();
     ASSERT_TRUE(grade);
@@ -174,7 +174,7 @@ TEST_F(ScopesTest, AGradeChangesColoursByItsFormula)
     }
 }
 
-TEST_F(ScopesTest, TheWatchMeasuresTheNewestPicture)
+TEST_F(OnDisplayScopesTest, TheWatchMeasuresTheNewestPicture)
 {
     ScopeWatch watch;
     EXPECT_TRUE(watch.isUpToDate());

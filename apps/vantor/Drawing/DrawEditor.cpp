@@ -40,7 +40,10 @@ void drawController(Scene& scene)
     Canvas& canvas = scene.canvas;
     const bool none = state.controller.kind == ControllerPlace::Kind::eNone;
     const bool hovered = state.hover.area == Area::eController;
-    const Text name = none ? Text(L"no controller") : nameOf(state.controller.name);
+    const Text device = state.controller.name;
+    const Text name = none                          ? Text(L"no controller")
+                      : device.startsWith(L"/dev/") ? device.substr(5)
+                                                    : device;
     const int right = box.right - 22;
     const int width = canvas.textRight(
         canvas.fitted(name, box.width() - 34, Theme::kFact), right, baselineIn(box, Theme::kFact),

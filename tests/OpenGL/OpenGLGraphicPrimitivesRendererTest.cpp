@@ -2,6 +2,7 @@
 #include "OpenGL/DrawingScenes.h"
 #include "support/ImageCompare.h"
 #include "support/OutputCapture.h"
+#include "support/UnknowingEffect.h"
 
 #include "OS/Mac/OpenGL/Contexts/OpenGLUtils.h"
 #include "OS/Mac/OpenGL/Drawing/DrawingResources.h"
@@ -72,20 +73,6 @@ public:
     bool contains(const XY<int>&) const override { return false; }
     void translate(int, int) override {}
     Tq::Ptr<iRegion> clone() const override { return new ForeignRegion; }
-};
-
-// Knows no technique.
-class SomeEffect final : public iShaderEffectBase
-{
-public:
-    using Name = LightweightString<char>;
-    bool setTechnique(const Name&) override { return false; }
-    bool setTechnique(unsigned int) override { return false; }
-    bool hasTechnique(const Name&) override { return false; }
-    bool setFloat(const Name&, float) override { return false; }
-    bool setInt(const Name&, int) override { return false; }
-    bool setColour(const Name&, const NormalisedRGB&) override { return false; }
-    bool draw(const Drawing&) override { return false; }
 };
 
 } // namespace
@@ -210,7 +197,7 @@ TEST(GLRenderer, DrawsNothingOfWhatHasNoExtent)
              ImageDescriptionEx desc;
              desc.image_ = squares(8, 8);
              desc.sourceRect_ = desc.destRect_ = {0, 0, 8, 8};
-             desc.technique_.effect_ = new SomeEffect;
+             desc.technique_.effect_ = new UnknowingEffect;
              r.render(desc);
          }},
         {"an empty clip region",

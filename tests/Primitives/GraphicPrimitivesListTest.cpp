@@ -1,4 +1,5 @@
 #include "Primitives/Recorder.h"
+#include "support/UnknowingEffect.h"
 
 #include <OS/Primitives/GraphicPrimitivesList.h>
 
@@ -49,18 +50,6 @@ Tq::Ptr<Holder> firstBatch(const GraphicPrimitivesList& list)
 
 class CountedImage final : public iImageBase
 {
-};
-class CountedEffect final : public iShaderEffectBase
-{
-public:
-    using Name = LightweightString<char>;
-    bool setTechnique(const Name&) override { return false; }
-    bool setTechnique(unsigned int) override { return false; }
-    bool hasTechnique(const Name&) override { return false; }
-    bool setFloat(const Name&, float) override { return false; }
-    bool setInt(const Name&, int) override { return false; }
-    bool setColour(const Name&, const NormalisedRGB&) override { return false; }
-    bool draw(const Drawing&) override { return false; }
 };
 
 } // namespace
@@ -152,7 +141,7 @@ TEST(GraphicPrimitivesList, RecordedObjectsTakeAndDropExactlyOneReferenceForEach
     const Tq::Ptr<iRegion> region = new CountedRegion;
     const Tq::Ptr<iFont> font = new TenPixelFont;
     const Tq::Ptr<iImageBase> image = new CountedImage;
-    const Tq::Ptr<iShaderEffectBase> effect = new CountedEffect;
+    const Tq::Ptr<iShaderEffectBase> effect = new UnknowingEffect;
     const Tq::Ptr<iShaderParamValue> value = iShaderParamValue::makeFloat("Amount", 1.0f);
     {
         const Tq::Ptr<GraphicPrimitivesList> list = new GraphicPrimitivesList;

@@ -1,5 +1,6 @@
 #include "OS/Host/Midi/AlsaPorts.h"
 
+#include "OS/Host/Midi/AlsaReaderRoom.h"
 #include "OS/Host/Midi/MidiRunLoop.h"
 
 #include <poll.h>
@@ -75,6 +76,9 @@ int AlsaOutputPort::connect(const snd_seq_addr_t& destination)
     if (port_ < 0)
         return port_;
     destination_ = destination;
+    pollfd polled{-1, 0, 0};
+    if (snd_seq_poll_descriptors(handle, &polled, 1, POLLOUT) == 1)
+        descriptor_ = polled.fd;
     snd_seq_port_info_t* info;
     snd_seq_port_info_alloca(&info);
     if (snd_seq_get_any_port_info(handle, destination.client, destination.port, info) >= 0)
@@ -89,6 +93,9 @@ int AlsaOutputPort::sendEvent(snd_seq_event_t& event)
     snd_seq_ev_set_source(&event, static_cast<unsigned char>(port_));
     event.dest = destination_;
     snd_seq_ev_set_direct(&event);
+    const std::size_t dataBytes = snd_seq_ev_is_variable(&event) ? event.data.ext.len : 0;
+    if (!hasAlsaReaderRoom(descriptor_, destination_.client, dataBytes))
+        return -EAGAIN;
     const int status = snd_seq_event_output_direct(client_->handle(), &event);
     if (status >= 0)
         return 0;

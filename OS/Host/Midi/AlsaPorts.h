@@ -42,6 +42,7 @@ private:
     AlsaEncoder encoder_; // under the client's lock
     snd_seq_addr_t destination_{};
     int port_ = -1;
+    int descriptor_ = -1;
     bool isHardware_ = false;
     std::chrono::steady_clock::time_point nextPieceAt_{};
 };

@@ -175,9 +175,20 @@ GLuint compile(GLenum kind, const std::string& text, std::string& log)
 
 } // namespace
 
+namespace {
+
+// Never closed: the driver would be unloaded with it, and what it still holds would look lost.
+Display* sharedDisplay()
+{
+    static Display* const display = XOpenDisplay(nullptr);
+    return display;
+}
+
+} // namespace
+
 struct EffectRig::Connection
 {
-    Display* display = XOpenDisplay(nullptr);
+    Display* display = sharedDisplay();
     GLXContext context = nullptr;
     GLXPbuffer buffer = 0;
 };
@@ -215,7 +226,6 @@ EffectRig::~EffectRig()
     glXMakeContextCurrent(connection_->display, 0, 0, nullptr);
     glXDestroyContext(connection_->display, connection_->context);
     glXDestroyPbuffer(connection_->display, connection_->buffer);
-    XCloseDisplay(connection_->display);
 }
 
 unsigned int EffectRig::link(const ProgramText& text, std::string& log)

@@ -134,8 +134,11 @@ std::string parseString(std::string_view quoted)
 std::optional<Type> builtInType(std::string_view name)
 {
     Type type;
+    if (name.empty())
+        return {};
     for (const auto& [prefix, scalar] : kScalars) {
-        if (!name.starts_with(prefix))
+        // Asked of every name: most differ in the first character.
+        if (name[0] != prefix[0] || !name.starts_with(prefix))
             continue;
         const std::string_view size = name.substr(prefix.size());
         const auto isDimension = [&](std::size_t at) { return size[at] >= '1' && size[at] <= '4'; };
@@ -156,7 +159,9 @@ std::optional<Type> builtInType(std::string_view name)
         }
         return {};
     }
-    return objectType(name);
+    // "string", "sampler..", "texture.."
+    const char first = lowered(name[0]);
+    return first == 's' || first == 't' ? objectType(name) : std::nullopt;
 }
 
 bool isSameName(std::string_view a, std::string_view b)

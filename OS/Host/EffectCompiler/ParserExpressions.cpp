@@ -31,7 +31,7 @@ const BinaryOperator* binaryOperator(const Token& token)
     if (token.kind != Token::Kind::eSymbol)
         return nullptr;
     const auto found = std::find_if(std::begin(kBinary), std::end(kBinary),
-                                    [&](const auto& each) { return each.symbol == token.text; });
+                                    [&](const auto& each) { return token.is(each.symbol); });
     return found == std::end(kBinary) ? nullptr : found;
 }
 
@@ -68,7 +68,7 @@ Expression* Parser::parseAssignment()
 {
     const Nesting nesting(*this);
     Expression* target = parseConditional();
-    if (peek().kind != Token::Kind::eSymbol ||
+    if (peek().kind != Token::Kind::eSymbol || peek().text.back() != '=' ||
         std::find(kAssignments.begin(), kAssignments.end(), peek().text) == kAssignments.end())
         return target;
     const Token symbol = take();

@@ -10,9 +10,9 @@
 #include <unistd.h>
 
 #ifdef OS_BENCH_GLSLANG
-#include <glslang/SPIRV/GlslangToSpv.h>
 #include <glslang/Public/ResourceLimits.h>
 #include <glslang/Public/ShaderLang.h>
+#include <glslang/SPIRV/GlslangToSpv.h>
 #endif
 
 namespace {

@@ -21,9 +21,7 @@ const char* const kHelp =
     "                 as it was last time, 1280x720 at first and for frames\n"
     "  --scale S      pixels of the frame for each logical one: 1, 1.25, 1.5 or 2\n"
     "  --at TIME      of the playhead at first: HH:MM:SS:FF or the last parts of it\n"
-    "  --effect FILE  pass the viewer's picture through an effect, and follow the file while it "
-    "is\n"
-    "                 edited\n"
+    "  --effect FILE  pass the viewer's picture through an effect; edits of the file are followed\n"
     "  --controller D drive the playhead with midi:NAME or a jog wheel at serial:PATH\n"
     "  --play         play at once; the last line tells frames shown and dropped\n"
     "  --seconds N    run for N seconds and quit\n"
@@ -34,12 +32,11 @@ const char* const kHelp =
     "Space plays and pauses, J K L shuttle, the arrows step, Home and End go to the ends, Up and\n"
     "Down to the next cut. Return fills the screen, and Return or Escape leaves it; F fits the\n"
     "picture, 5, 1 and 2 show it at 50, 100 and 200 %; S, T and N show safe areas, time code and\n"
-    "frame number; E opens the effects, W the scopes, comma and full stop choose an effect, X "
-    "makes a\n"
-    "transition; [ and ] change the rate, Control-L the loop. The wheel zooms, Delete removes a\n"
-    "clip, or a picture of the bin to the trash, Control-Z takes back, Control-E writes the\n"
-    "viewer's frame (Control-T chooses its type), Control-G puts the screen into the bin. Escape\n"
-    "quits.\n";
+    "frame number; E opens the effects, W the scopes, comma and full stop choose an effect, X\n"
+    "makes a transition; [ and ] change the rate, Control-L the loop. The wheel zooms, Delete\n"
+    "removes a clip, or a picture of the bin to the trash, Control-Z takes back, Control-E writes\n"
+    "the viewer's frame (Control-T chooses its type), Control-G puts the screen into the bin.\n"
+    "Escape quits.\n";
 
 Text parse(int count, const char* const* arguments, CommandLine& line)
 {

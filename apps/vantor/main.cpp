@@ -119,10 +119,9 @@ void useSession(EditorState& state, const Session& session)
     state.stillType = session.stillType;
 }
 
-/// The product's effects, and the one of the command line, which is chosen.
-void offerEffects(EditorState& state, const Text& file)
+/// The effect of the command line goes before the others, and is chosen.
+void useEffect(EditorState& state, const Text& file)
 {
-    state.effects.files = findEffects();
     if (file.empty())
         return;
     state.effects.files.insert(state.effects.files.begin(), {fromRoot(file), effectNameOf(file)});
@@ -207,10 +206,9 @@ int runWindow(const CommandLine& line)
     EditorState state = stateFor(std::move(bin), session.folder, session.place.size, session.zoom);
     if (!gone.empty())
         state.message = gone + L" cannot be read any more";
-    offerEffects(state, Text());
+    state.effects.files = findEffects();
     useSession(state, session);
-    if (!line.effect.empty())
-        offerEffects(state, line.effect);
+    useEffect(state, line.effect);
     if (line.controller.kind != ControllerPlace::Kind::eNone)
         state.controller = line.controller;
     goTo(state, line.at);
@@ -224,7 +222,8 @@ int runFrame(const CommandLine& line)
     if (!wrong.empty())
         return fail(wrong, EXIT_FAILURE);
     EditorState state = stateFor(std::move(bin), line.folder, line.size, 0.0);
-    offerEffects(state, line.effect);
+    state.effects.files = findEffects();
+    useEffect(state, line.effect);
     goTo(state, line.at);
     const bool grabs = !line.grabFile.empty();
     if (grabs)

@@ -89,6 +89,25 @@ TEST_F(OnDisplayLiveEffectTest, FollowsItsFileThroughMistakes)
     EXPECT_NE(effect_.path(), before);
 }
 
+TEST_F(OnDisplayLiveEffectTest, WhatIsOfNoUseIsNotLoadedAgainUntilItIsAnother)
+{
+    std::ofstream(path_) << "float4 main() : COLOR { return 1; }\n";
+    panel_.chosen = 0;
+    effect_.follow(panel_);
+    const Text trouble = panel_.trouble;
+    EXPECT_FALSE(trouble.empty());
+    testing::internal::CaptureStderr();
+    const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(2500);
+    while (std::chrono::steady_clock::now() < end) {
+        effect_.follow(panel_);
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    }
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    EXPECT_TRUE(panel_.trouble == trouble);
+    write("Amount", "2");
+    EXPECT_TRUE(comes([&] { return bool(effect_.path()); }));
+}
+
 TEST_F(OnDisplayLiveEffectTest, IsTakenOnceItCanBeUsed)
 {
     write("Amount", "2", true);

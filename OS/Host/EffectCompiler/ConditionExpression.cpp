@@ -1,5 +1,6 @@
 #include "OS/Host/EffectCompiler/ConditionExpression.h"
 
+#include "OS/Host/EffectCompiler/Operators.h"
 #include "OS/Host/EffectCompiler/Syntax.h"
 
 #include <charconv>
@@ -7,16 +8,6 @@
 
 namespace EffectCompiler {
 namespace {
-
-struct Operator
-{
-    std::string_view symbol;
-    int precedence;
-};
-
-constexpr Operator kOperators[] = {{"||", 1}, {"&&", 2}, {"|", 3}, {"^", 4},  {"&", 5},  {"==", 6},
-                                   {"!=", 6}, {"<", 7},  {">", 7}, {"<=", 7}, {">=", 7}, {"<<", 8},
-                                   {">>", 8}, {"+", 9},  {"-", 9}, {"*", 10}, {"/", 10}, {"%", 10}};
 
 /// Wraps around, as the machine does.
 std::int64_t wrapped(std::uint64_t value)
@@ -39,18 +30,8 @@ std::int64_t applied(std::string_view symbol, std::int64_t a, std::int64_t b)
         return a ^ b;
     if (symbol == "&")
         return a & b;
-    if (symbol == "==")
-        return a == b;
-    if (symbol == "!=")
-        return a != b;
-    if (symbol == "<")
-        return a < b;
-    if (symbol == ">")
-        return a > b;
-    if (symbol == "<=")
-        return a <= b;
-    if (symbol == ">=")
-        return a >= b;
+    if (const std::optional<bool> holds = compared(symbol, a, b))
+        return *holds;
     if (symbol == "<<")
         return ub < 64 ? wrapped(ua << ub) : 0;
     if (symbol == ">>")
@@ -118,8 +99,8 @@ private:
     {
         std::int64_t left = unary(isUsed);
         for (;;) {
-            const Operator* found = nullptr;
-            for (const Operator& each : kOperators) {
+            const BinaryOperator* found = nullptr;
+            for (const BinaryOperator& each : kBinaryOperators) {
                 if (position_ < tokens_.size() && tokens_[position_].is(each.symbol))
                     found = &each;
             }

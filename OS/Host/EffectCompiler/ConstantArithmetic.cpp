@@ -1,5 +1,7 @@
 #include "OS/Host/EffectCompiler/ConstantArithmetic.h"
 
+#include "OS/Host/EffectCompiler/Operators.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
@@ -76,18 +78,8 @@ std::optional<double> applied(std::string_view symbol, double a, double b, bool 
             return std::fmod(a, b);
         return isInt ? std::trunc(a / b) : a / b;
     }
-    if (symbol == "<")
-        return a < b;
-    if (symbol == ">")
-        return a > b;
-    if (symbol == "<=")
-        return a <= b;
-    if (symbol == ">=")
-        return a >= b;
-    if (symbol == "==")
-        return a == b;
-    if (symbol == "!=")
-        return a != b;
+    if (const std::optional<bool> holds = compared(symbol, a, b))
+        return *holds;
     if (symbol == "&&")
         return a != 0.0 && b != 0.0;
     if (symbol == "||")

@@ -1,5 +1,6 @@
 // The part of the parser that reads expressions.
 #include "OS/Host/EffectCompiler/Literals.h"
+#include "OS/Host/EffectCompiler/Operators.h"
 #include "OS/Host/EffectCompiler/Parser.h"
 
 #include <algorithm>
@@ -7,17 +8,6 @@
 
 namespace EffectCompiler {
 namespace {
-
-struct BinaryOperator
-{
-    std::string_view symbol;
-    int precedence;
-};
-
-constexpr BinaryOperator kBinary[] = {{"||", 1}, {"&&", 2}, {"|", 3},  {"^", 4}, {"&", 5},
-                                      {"==", 6}, {"!=", 6}, {"<", 7},  {">", 7}, {"<=", 7},
-                                      {">=", 7}, {"<<", 8}, {">>", 8}, {"+", 9}, {"-", 9},
-                                      {"*", 10}, {"/", 10}, {"%", 10}};
 
 constexpr std::array<std::string_view, 11> kAssignments = {
     "=", "+=", "-=", "*=", "/=", "%=", "&=", "|=", "^=", "<<=", ">>="};
@@ -30,9 +20,9 @@ const BinaryOperator* binaryOperator(const Token& token)
 {
     if (token.kind != Token::Kind::eSymbol)
         return nullptr;
-    const auto found = std::find_if(std::begin(kBinary), std::end(kBinary),
+    const auto found = std::find_if(std::begin(kBinaryOperators), std::end(kBinaryOperators),
                                     [&](const auto& each) { return token.is(each.symbol); });
-    return found == std::end(kBinary) ? nullptr : found;
+    return found == std::end(kBinaryOperators) ? nullptr : found;
 }
 
 } // namespace

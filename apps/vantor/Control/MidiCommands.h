@@ -13,7 +13,7 @@ namespace Vantor {
 ///                         the faster: 1, 2, 4 and 8 times
 ///     note on 60, 62, 64, 65   stop, play or pause, backwards, forwards; velocity 0 is no note
 ///
-/// (MIDI 1.0 detailed specification, channel voice messages.) Anything else means nothing.
+/// (The channel voice messages of MIDI 1.0.) Anything else means nothing.
 /// @param message its bytes, lowest first
 std::optional<ControlCommand> commandOf(unsigned int message);
 

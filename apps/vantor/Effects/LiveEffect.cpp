@@ -20,6 +20,16 @@ Text wide(const LightweightString<char>& text)
     return OS()->utils()->fromUTF8(text.c_str(), -1);
 }
 
+/// Another for a file that was edited; never 0.
+std::uint64_t stampOf(const Text& path)
+{
+    const Tq::Ptr<iFile> file = OS()->fileMgr()->openFile(
+        path, iFile::eAccessRead, iFile::eOpenExisting, iFile::eShareRead, 0);
+    if (!file)
+        return 1;
+    return file->getTime(iFile::eLastWriteTime) + static_cast<std::uint64_t>(file->getSize()) + 2;
+}
+
 /// The textures that the host supplies.
 int inputsOf(const iFXFile& file)
 {
@@ -268,6 +278,7 @@ void LiveEffect::load(const Text& path)
 {
     effect_.reset();
     trouble_.clear();
+    refused_ = 0;
     isNew_ = true;
     lookedMs_ = OS()->utils()->timeNow();
     if (path.empty())
@@ -277,27 +288,28 @@ void LiveEffect::load(const Text& path)
         revision_ = effect_->getRevision();
         return;
     }
-    const LightweightString<char> listing =
-        OS()->mediaServices()->compileFXFile(path)->getListing();
+    const Tq::Ptr<iFXFile> file = OS()->mediaServices()->compileFXFile(path);
+    const Text listing = wide(file->getListing());
     trouble_ =
-        listing.empty() ? Text(L"this effect cannot be used here") : troubleOf(wide(listing), path);
+        listing.empty() ? Text(L"this effect cannot be used here") : troubleOf(listing, path);
+    refused_ = file->isCompiled() ? stampOf(path) : 0;
 }
 
-// Until it can be compiled nothing more is tried, so that nothing more is printed.
+// Nothing more is loaded, and printed, until the file can be compiled; where it can be but is of no
+// use here, until it is another.
 void LiveEffect::retry(const Text& path)
 {
     const double now = OS()->utils()->timeNow();
     if (now - lookedMs_ < kRetryMs)
         return;
     lookedMs_ = now;
-    const Tq::Ptr<iFXFile> file = OS()->mediaServices()->compileFXFile(path);
-    const Text listing = troubleOf(wide(file->getListing()), path);
-    if (listing == trouble_ || (file->isCompiled() && listing.empty() && trouble_.empty()))
+    if (refused_ != 0 && refused_ == stampOf(path))
         return;
+    const Tq::Ptr<iFXFile> file = OS()->mediaServices()->compileFXFile(path);
     if (file->isCompiled())
         load(path);
     else
-        trouble_ = listing;
+        trouble_ = troubleOf(wide(file->getListing()), path);
 }
 
 void LiveEffect::keepPath(const EffectPanel& panel)

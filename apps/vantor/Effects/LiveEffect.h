@@ -6,6 +6,7 @@
 #include <OS/Effects/iShaderEffect.h>
 #include <OS/Primitives/ShaderTechnique.h>
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 
@@ -59,6 +60,7 @@ private:
     unsigned int revision_ = 0;
     bool isNew_ = false; ///< since the panel was told
     Text trouble_;
+    std::uint64_t refused_ = 0; ///< the stamp of a file that compiles but cannot be used; 0: none
     double lookedMs_ = 0.0;
     std::vector<EffectControl> used_; ///< in shown_, and so the next
     int usedTechnique_ = 0;

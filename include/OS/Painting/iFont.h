@@ -11,8 +11,8 @@
 ///
 /// Made by iWindowManager::createFont, iRootWindow::createFont or
 /// iMediaServices::createHostSurfaceFont, for windows and host surfaces; for the GPU's images and
-/// back buffers by iMediaServices::createGPUSurfaceFont. Each draws on its own kind only. Immutable;
-/// use it on the thread that draws.
+/// back buffers by iMediaServices::createGPUSurfaceFont. Each draws on its own kind only.
+/// Immutable; use it on the thread that draws.
 class OS_API iFont : public iObject
 {
 public:
